@@ -1,0 +1,160 @@
+/// A stretch of a file as a stream of uncompressed bytes.
+#pragma once
+
+#include <VelaBase/export.h>
+#include <VelaFile/VFileAccess.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class VFile;
+
+namespace Vela {
+VELA_ABI_NAMESPACE_BEGIN
+class StreamCodec;
+VELA_ABI_NAMESPACE_END
+}
+
+/// Reads or writes a stretch of a `VFile` that holds bytes as they are (level 0 or below) or one
+/// zlib stream (level above 0).
+///
+/// Random access into compressed data: the writer breaks the stream by full flushes at fixed
+/// intervals of uncompressed bytes and records where; the reader restarts a raw inflate at the
+/// nearest such point (zlib manual, `Z_FULL_FLUSH` and `inflateInit2` with window bits -15).
+/// Entry k of the table is the offset in the stretch at which a raw deflate stream starts that
+/// yields the uncompressed position (k + 1) * block size.
+///
+/// The segment does not own the file, which has to outlive it. It keeps no private file position:
+/// each `read` and `write` first moves the file to where the segment stands, so others may move it
+/// in between. How far a compressed segment reads ahead of what it gives is its own affair.
+///
+/// Positions and sizes are in uncompressed bytes unless their name says file or disk.
+/// Memory: the file's chunk size and less than 1 MiB. After a failure of the compressed stream
+/// only `end()` and a new `init_r` or `init_w` are of use.
+class VELA_API VZippedSegment : public VFileAccess
+{
+public:
+    VZippedSegment();
+    VZippedSegment(const VZippedSegment&) = delete;
+    VZippedSegment& operator=(const VZippedSegment&) = delete;
+
+    /// Starts writing at the file's current position, which is returned. From any state; what was
+    /// in progress is dropped by `end()`. `size` `all_ones` means not bounded.
+    ///
+    /// @throws VelaError id -1 "File not open!"
+    /// @throws VelaError id -1 "Trying to write in read mode!": the file is open for reading only.
+    std::uint64_t init_w(VFile& in_file, int new_level, std::uint64_t new_size);
+
+    /// Starts reading the `new_length_on_disk` bytes at the file position `start`, which hold `new_size`
+    /// uncompressed bytes (`all_ones`: not known). From any state.
+    ///
+    /// @throws VelaError id -1 "File not open!"
+    void init_r(VFile& in_file, int new_level, std::uint64_t start, std::uint64_t new_length_on_disk,
+                std::uint64_t new_size);
+
+    /// Finishes the stream and returns the length on disk. The segment stays in the writing state, so
+    /// that the flush positions can be fetched, until `end()`.
+    ///
+    /// @throws VelaError as `write` does
+    std::uint64_t write_end();
+
+    /// Releases everything, the flush positions and the memory included. From any state; never throws.
+    void end();
+
+    /// 0 not initialised, 1 reading, 2 writing.
+    int is_initialized() const;
+
+    /// File position of the start of the stretch.
+    std::uint64_t get_beg_pos_file() const { return beg_pos_file; }
+
+    /// File position of the next byte to read or write. While reading compressed data it runs ahead.
+    std::uint64_t get_cur_pos_file() const { return cur_pos_file; }
+
+    /// Sets the interval of flush points, 0 for none.
+    ///
+    /// @throws VelaError id -1 "Setting flush block size only possible in write mode!"
+    /// @throws VelaError id -1 "Setting flush block size not possible after writing has started!"
+    void set_flush_block_size(std::uint64_t new_block_size);
+
+    /// The table of flush positions; `block_size` becomes the interval.
+    std::vector<std::uint64_t> get_flush_positions(std::uint64_t& block_size) const;
+
+    /// Gives the table to a reader; a block size of 0 means that it is not used.
+    ///
+    /// The table is not checked here. A position that does not ascend or lies outside the stretch
+    /// fails when a `seek` would use it.
+    ///
+    /// @throws VelaError id -1 "Setting flush positions when writing.": the segment is not reading.
+    void set_flush_positions(std::vector<std::uint64_t> new_positions, std::uint64_t block_size);
+
+    /// The current position.
+    std::uint64_t tell() const override { return pos; }
+
+    /// Moves to `target` and returns it. Restarts at the last flush point at or below `target`, then
+    /// reads and drops the rest; without a flush point below `target` it starts from the beginning
+    /// whenever it has to go back. The end is not a valid target.
+    ///
+    /// @throws VelaError id -1 "Trying to seek in write mode!"
+    /// @throws VelaError id -1 "Invalid position in segment!": the size is known and `target` is not below it.
+    /// @throws VelaError id -4 "Invalid flush position in segment!": see `set_flush_positions`.
+    /// @throws VelaError as `read` does; the position is then wherever reading stopped.
+    std::uint64_t seek(std::uint64_t target) override;
+
+    /// Reads `count` bytes, none is fine.
+    ///
+    /// A read that ends at the declared size sees the end of the stream: a wrong Adler-32 trailer fails
+    /// it, a missing one is a warning ("Inconsistency in segment!", id -10) on the warning sink.
+    /// After a jump to a flush point the trailer is not checked.
+    ///
+    /// @throws VelaError id -1 "File not open!": there is no file, or it is closed.
+    /// @throws VelaError id -1 "Trying to read from file in write mode!"
+    /// @throws VelaError id -1 "Trying to read beyond segment boundary!": by the declared size, or the stretch on disk
+    ///         ends before `count` bytes came.
+    /// @throws VelaError id -3 "Failed reading %d bytes from file!": the file ends inside the stretch, or the system failed.
+    /// @throws VelaError id -10 "Inconsistency in segment!": the stream ended early, or other than 0 or 4 bytes follow it.
+    /// @throws VelaError id -10 "Zip error (%d)!" on zlib's code.
+    void read(void* dest, std::uint64_t count) override;
+
+    /// Writes `count` bytes. With null `data` and `count` 0 it finishes the stream as `write_end` does.
+    ///
+    /// @throws VelaError id -1 "File not open!": there is no file, or it is closed.
+    /// @throws VelaError id -1 "Trying to write to file in read mode!"
+    /// @throws VelaError id -1 "Trying to write beyond segment boundary!"
+    /// @throws VelaError id -1 "Zlib cannot handle chunks larger than 4GB": `count` is above 0xFFFFFFFF, compressed only.
+    /// @throws VelaError id -3 "Failed writing %d bytes to file!"
+    /// @throws VelaError id -10 "Zip error (id: %d)!" on zlib's code, as for a level above 9.
+    void write(const void* data, std::uint64_t count) override;
+
+    virtual ~VZippedSegment();
+
+protected:
+    /// Common part of `init_r` and `init_w`.
+    void initialize(VFile& in_file, int new_level, std::uint64_t start, std::uint64_t new_length_on_disk,
+                    bool is_writing, std::uint64_t new_size);
+
+private:
+    void read_stored(void* dest, std::uint64_t count);
+    void read_compressed(unsigned char* dest, std::uint64_t count);
+    void write_compressed(const unsigned char* data, std::uint64_t count);
+
+    VFile* file = nullptr;
+    std::uint64_t size = 0;
+    std::uint64_t length_on_disk = 0;
+    std::uint64_t pos = 0;
+    std::unique_ptr<Vela::StreamCodec> stream;
+    bool writing = false;
+    std::uint64_t beg_pos_file = 0;
+    std::uint64_t cur_pos_file = 0;
+    std::int32_t level = 0;
+    /// Not filled when allocated, unlike a vector: a page that no byte needs is never touched.
+    std::unique_ptr<unsigned char[]> buffer;
+    std::uint64_t buffer_size = 0;
+    std::unique_ptr<unsigned char[]> skip_buffer;
+    /// Compressed input that waits in `buffer`, from `held_begin` on.
+    std::uint32_t held = 0;
+    std::size_t held_begin = 0;
+    std::uint64_t flush_block_size = 0;
+    std::vector<std::uint64_t> flush_positions;
+};
