@@ -38,12 +38,12 @@ public:
     /// Reads `length_bytes` bytes into `text`, in one `read`. With `all_ones` a 4-byte unsigned length
     /// comes first in the stream. A length of 0 empties `text` and reads nothing.
     ///
-    /// A length comes from a file and may lie. Where the stream is a `VFile` or a `VZippedSegment` of
-    /// known size, it is held against the bytes that are left before memory is taken, and the failure
-    /// is that of the short read. On any other stream a text of more than 1 MiB is read in pieces of
-    /// 1 MiB, so memory grows only with the bytes that come.
+    /// A length comes from a file and may lie. On a `VFile` it is held against the bytes that are left
+    /// before memory is taken, and the failure is that of the short read: "Failed reading %d bytes from
+    /// file!" on the length. On any other stream a text of more than 1 MiB is read in pieces of 1 MiB,
+    /// so memory grows only with the bytes that come.
     ///
-    /// @throws VelaError id -3 "Failed reading %d bytes from file!" on the length, and what `read` throws
+    /// @throws what `read` throws
     void read_str(std::string& text, std::uint64_t length_bytes);
 
     /// Reads a number or a packed record in one `read` of its exact size, little-endian.

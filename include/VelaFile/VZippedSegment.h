@@ -4,7 +4,6 @@
 #include <VelaBase/export.h>
 #include <VelaFile/VFileAccess.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -83,8 +82,8 @@ public:
 
     /// Gives the table to a reader; a block size of 0 means that it is not used.
     ///
-    /// The table is not checked here. A position that does not ascend or lies outside the stretch
-    /// fails when a `seek` would use it.
+    /// A table that does not ascend or leaves the stretch is not refused here: the first `seek` that
+    /// would use it fails. Reading from the start needs no table.
     ///
     /// @throws VelaError id -1 "Setting flush positions when writing.": the segment is not reading.
     void set_flush_positions(std::vector<std::uint64_t> new_positions, std::uint64_t block_size);
@@ -98,7 +97,7 @@ public:
     ///
     /// @throws VelaError id -1 "Trying to seek in write mode!"
     /// @throws VelaError id -1 "Invalid position in segment!": the size is known and `target` is not below it.
-    /// @throws VelaError id -4 "Invalid flush position in segment!": see `set_flush_positions`.
+    /// @throws VelaError id -4 "Invalid flush positions in segment!": see `set_flush_positions`.
     /// @throws VelaError as `read` does; the position is then wherever reading stopped.
     std::uint64_t seek(std::uint64_t target) override;
 
@@ -135,12 +134,18 @@ protected:
                     bool is_writing, std::uint64_t new_size);
 
 private:
-    void read_stored(void* dest, std::uint64_t count);
+    void require_file(const char* function, int source_line) const;
+    std::uint64_t left_on_disk() const;
+    void refill();
     void read_compressed(unsigned char* dest, std::uint64_t count);
+    bool finish_read(std::uint64_t out_left, bool ends_at_size, int code);
     void write_compressed(const unsigned char* data, std::uint64_t count);
+    void encode(const unsigned char* data, std::uint64_t count, int flush);
+    void restart_at(std::uint64_t restart_pos, std::uint64_t restart_pos_file);
+    void skip_to(std::uint64_t target);
 
     VFile* file = nullptr;
-    std::uint64_t size = 0;
+    std::uint64_t size = all_ones;
     std::uint64_t length_on_disk = 0;
     std::uint64_t pos = 0;
     std::unique_ptr<Vela::StreamCodec> stream;
@@ -150,11 +155,12 @@ private:
     std::int32_t level = 0;
     /// Not filled when allocated, unlike a vector: a page that no byte needs is never touched.
     std::unique_ptr<unsigned char[]> buffer;
-    std::uint64_t buffer_size = 0;
+    std::uint32_t buffer_size = 0;
     std::unique_ptr<unsigned char[]> skip_buffer;
     /// Compressed input that waits in `buffer`, from `held_begin` on.
     std::uint32_t held = 0;
-    std::size_t held_begin = 0;
+    std::uint32_t held_begin = 0;
     std::uint64_t flush_block_size = 0;
     std::vector<std::uint64_t> flush_positions;
+    bool flush_positions_ascend = true;
 };

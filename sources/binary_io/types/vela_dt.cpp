@@ -1,0 +1,145 @@
+#include <VelaBase/vela_dt.h>
+
+#include <VelaBase/VTypemap.h>
+#include <VelaProps/VPropstring.h>
+
+#include <complex>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+#include <typeinfo>
+
+namespace {
+
+/// Carries the element type of an id to a visitor; void where there is none.
+template <class Element>
+struct Tag
+{
+};
+
+/// Calls `visit` with the tag of the element type of `id`, without the array flag.
+template <class Visitor>
+auto visit_element(vela_dt id, Visitor visit)
+{
+    switch (id)
+    {
+    case vela_dt_uint8:
+        return visit(Tag<std::uint8_t>());
+    case vela_dt_int8:
+        return visit(Tag<char>());
+    case vela_dt_uint16:
+        return visit(Tag<std::uint16_t>());
+    case vela_dt_int16:
+        return visit(Tag<std::int16_t>());
+    case vela_dt_uint32:
+    case vela_dt_packed_color:
+        return visit(Tag<std::uint32_t>());
+    case vela_dt_int32:
+        return visit(Tag<std::int32_t>());
+    case vela_dt_single:
+        return visit(Tag<float>());
+    case vela_dt_double:
+        return visit(Tag<double>());
+    case vela_dt_uint64:
+        return visit(Tag<std::uint64_t>());
+    case vela_dt_int64:
+        return visit(Tag<std::int64_t>());
+    case vela_dt_rgb:
+        return visit(Tag<_s_vela_RGB>());
+    case vela_dt_logical:
+        return visit(Tag<bool>());
+    default:
+        return visit(Tag<void>());
+    }
+}
+
+template <class Scalar>
+constexpr bool has_complex_form =
+    !std::is_same_v<Scalar, void> && !std::is_same_v<Scalar, bool> && !std::is_same_v<Scalar, _s_vela_RGB>;
+
+constexpr bool is_color(vela_dt id)
+{
+    return id == vela_dt_rgb || id == vela_dt_packed_color;
+}
+
+void fill_names(VTypemap<std::string>& names)
+{
+    const auto add_both = [&names](vela_dt id, const std::string& name)
+    {
+        names.add(id, name);
+        names.add(id | vela_dt_complex, "cplx_" + name);
+    };
+    add_both(vela_dt_logical, "logical"); // "cplx_logical" has a name and nothing else; this is wanted
+    add_both(vela_dt_uint8, "uint8");
+    add_both(vela_dt_uint16, "uint16");
+    add_both(vela_dt_uint32, "uint32");
+    add_both(vela_dt_uint64, "uint64");
+    add_both(vela_dt_int8, "int8");
+    add_both(vela_dt_int16, "int16");
+    add_both(vela_dt_int32, "int32");
+    add_both(vela_dt_int64, "int64");
+    add_both(vela_dt_single, "single");
+    add_both(vela_dt_double, "double");
+    names.add(vela_dt_cell, "cell");
+    names.add(vela_dt_struct, "struct");
+    names.add(vela_dt_char, "char");
+    names.add(vela_dt_none, "none");
+}
+
+/// Array ids share the names of their elements.
+constexpr std::uint32_t without_array_flag = 0x7fffffff;
+
+const VTypemap<std::string> type_names(without_array_flag, fill_names);
+
+} // namespace
+
+static_assert(std::is_signed_v<char>, "\"int8\" is char");
+
+std::uint64_t vela_dt_get_size(std::uint32_t id)
+{
+    const auto signed_id = static_cast<vela_dt>(id);
+    const bool is_complex = (signed_id & vela_dt_complex) != 0;
+    const vela_dt scalar_id = signed_id & ~vela_dt_complex;
+    if (is_complex && is_color(scalar_id))
+        return 0;
+    return visit_element(scalar_id,
+                         [is_complex]<class Element>(Tag<Element>) -> std::uint64_t
+                         {
+                             if constexpr (std::is_same_v<Element, void>)
+                                 return 0;
+                             else if (is_complex)
+                                 return has_complex_form<Element> ? 2 * sizeof(Element) : 0;
+                             else
+                                 return sizeof(Element);
+                         });
+}
+
+const std::type_info& vela_dt_get_type(vela_dt id)
+{
+    const bool is_complex = (id & vela_dt_complex) != 0;
+    const vela_dt scalar_id = id & ~vela_dt_complex;
+    if (id == vela_dt_char)
+        return typeid(VPropstring);
+    if (is_complex && is_color(scalar_id))
+        return typeid(void);
+    return *visit_element(scalar_id,
+                          [is_complex]<class Element>(Tag<Element>)
+                          {
+                              if (!is_complex)
+                                  return &typeid(Element);
+                              if constexpr (has_complex_form<Element>)
+                                  return &typeid(std::complex<Element>);
+                              else
+                                  return &typeid(void);
+                          });
+}
+
+const char* vela_dt_get_name(vela_dt id)
+{
+    return type_names.get(id).c_str();
+}
+
+vela_dt vela_dt_from_name(const char* name)
+{
+    return name == nullptr ? vela_dt_none : type_names.get_key(name);
+}

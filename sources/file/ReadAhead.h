@@ -1,0 +1,54 @@
+/// Many small reads of a file through one buffer.
+#pragma once
+
+#include <VelaFile/VFile.h>
+#include <VelaFile/VFileAccess.h>
+
+#include "sources/file/bounded_stream.h"
+
+#include <array>
+#include <cstdint>
+
+namespace Vela::detail {
+
+/// A reading face over a `VFile` that fetches a few KiB at a time. A field that the file does not have
+/// fails as a read of the file itself would: with the size of the field, not of the buffer.
+///
+/// The file must not be moved by others meanwhile; `sync()` moves it to where this stream stands.
+/// Costs one system call for a `seek` out of the buffer, and one for each time that the buffer is filled.
+class ReadAhead final : public VFileAccess, public BoundedStream
+{
+public:
+    explicit ReadAhead(VFile& in_file);
+    ReadAhead(const ReadAhead&) = delete;
+    ReadAhead& operator=(const ReadAhead&) = delete;
+    ~ReadAhead() = default;
+
+    std::uint64_t tell() const override { return position; }
+    std::uint64_t seek(std::uint64_t pos) override;
+    void read(void* buffer, std::uint64_t size_bytes) override;
+    /// @throws VelaError always: this stream only reads
+    void write(const void* buffer, std::uint64_t size_bytes) override;
+
+    std::uint64_t bytes_left() const override;
+
+    void sync();
+
+private:
+    std::uint64_t buffered() const { return buffer_end - position; }
+    void fill();
+
+    /// A stack header with its texts mostly fits, and reading a page costs no more than reading 368 bytes.
+    static constexpr std::uint64_t capacity = 4096;
+
+    VFile& file;
+    std::uint64_t position;
+    /// Size of the file; `all_ones` where it cannot be known, as on a pipe. Then nothing is read ahead.
+    std::uint64_t end;
+    /// File positions of what `bytes` holds. The file itself stands at `buffer_end`.
+    std::uint64_t buffer_begin;
+    std::uint64_t buffer_end;
+    std::array<unsigned char, capacity> bytes;
+};
+
+} // namespace Vela::detail

@@ -1,0 +1,209 @@
+#include "sources/platform/platform.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace Vela::platform {
+
+namespace {
+
+/// The most that Linux moves in one read or write.
+constexpr std::size_t max_system_transfer = 0x7ffff000;
+
+DebugSink debug_sink = nullptr;
+
+template <class Call>
+auto retried(Call call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+bool is_openable(const struct stat& status)
+{
+    return S_ISREG(status.st_mode) || S_ISBLK(status.st_mode);
+}
+
+/// False only when somebody else holds the file. Where the file system cannot lock it opens unlocked:
+/// NFS, for one, refuses an exclusive lock on a descriptor that cannot write (EBADF).
+bool lock_exclusively(int descriptor)
+{
+    if (retried([&] { return flock(descriptor, LOCK_EX | LOCK_NB); }) == 0)
+        return true;
+    switch (errno)
+    {
+    case EBADF:
+    case ENOLCK:
+    case EOPNOTSUPP:
+    case ENOSYS:
+    case EINVAL:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool prepare(int descriptor, Creation creation)
+{
+    struct stat status;
+    if (fstat(descriptor, &status) != 0 || !is_openable(status) || !lock_exclusively(descriptor))
+        return false;
+    // O_NONBLOCK only kept the open itself from waiting.
+    const int flags = fcntl(descriptor, F_GETFL);
+    if (flags < 0 || fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0)
+        return false;
+    if (creation == Creation::create_or_truncate && S_ISREG(status.st_mode))
+        return retried([&] { return ftruncate(descriptor, 0); }) == 0;
+    return true;
+}
+
+/// Calls `transfer(done, size)` until `size_bytes` are moved, it gives 0 (end of file) or fails.
+template <class SystemCall>
+Transfer transfer(std::uint32_t size_bytes, SystemCall call)
+{
+    std::uint64_t moved = 0;
+    while (moved < size_bytes)
+    {
+        const std::size_t step = std::min<std::size_t>(size_bytes - moved, max_system_transfer);
+        const ssize_t count = retried([&] { return call(moved, step); });
+        if (count < 0)
+            break;
+        if (count == 0)
+        {
+            errno = 0; // the end of the file is no failure of the system
+            break;
+        }
+        moved += static_cast<std::uint64_t>(count);
+    }
+    return {moved};
+}
+
+} // namespace
+
+void* handle_of_descriptor(int descriptor)
+{
+    return descriptor < 0 ? nullptr : reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
+}
+
+int descriptor_of_handle(void* handle)
+{
+    return static_cast<int>(reinterpret_cast<std::intptr_t>(handle) - 1);
+}
+
+void* open_exclusive(const std::string& path, Access access, Creation creation)
+{
+    if (path.find('\0') != std::string::npos)
+        return nullptr; // the system would open what stands before the NUL
+    int flags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    flags |= access == Access::read ? O_RDONLY : O_RDWR;
+    if (creation == Creation::create_or_truncate)
+        flags |= O_CREAT;
+    const int descriptor = retried([&] { return open(path.c_str(), flags, 0666); });
+    if (descriptor < 0)
+        return nullptr;
+    if (!prepare(descriptor, creation))
+    {
+        ::close(descriptor);
+        return nullptr;
+    }
+    return handle_of_descriptor(descriptor);
+}
+
+Transfer read(void* handle, void* buffer, std::uint32_t size_bytes)
+{
+    const int descriptor = descriptor_of_handle(handle);
+    return transfer(size_bytes, [&](std::uint64_t done, std::size_t step)
+                    { return ::read(descriptor, static_cast<char*>(buffer) + done, step); });
+}
+
+Transfer write(void* handle, const void* buffer, std::uint32_t size_bytes)
+{
+    const int descriptor = descriptor_of_handle(handle);
+    return transfer(size_bytes, [&](std::uint64_t done, std::size_t step)
+                    { return ::write(descriptor, static_cast<const char*>(buffer) + done, step); });
+}
+
+std::uint64_t move(void* handle, std::int64_t offset, Origin origin)
+{
+    static_assert(sizeof(off_t) == 8, "file positions have 64 bits");
+    const int whence = origin == Origin::start ? SEEK_SET : origin == Origin::current ? SEEK_CUR : SEEK_END;
+    return static_cast<std::uint64_t>(lseek(descriptor_of_handle(handle), offset, whence));
+}
+
+void close(void* handle)
+{
+    // Not retried: on Linux the descriptor is gone even after EINTR.
+    ::close(descriptor_of_handle(handle));
+}
+
+bool remove_file(const std::string& path)
+{
+    if (path.find('\0') != std::string::npos)
+    {
+        errno = EINVAL;
+        return false;
+    }
+    return unlink(path.c_str()) == 0;
+}
+
+int last_error()
+{
+    return errno;
+}
+
+const char* error_text(int code)
+{
+    return strerrordesc_np(code);
+}
+
+void debug_line(const char* text) noexcept
+{
+    if (debug_sink != nullptr)
+        debug_sink(text);
+}
+
+DebugSink set_debug_sink(DebugSink sink)
+{
+    return std::exchange(debug_sink, sink);
+}
+
+std::uint32_t thread_id()
+{
+    return static_cast<std::uint32_t>(gettid());
+}
+
+void* make_mutex()
+{
+    return new std::recursive_mutex;
+}
+
+void free_mutex(void* mutex)
+{
+    delete static_cast<std::recursive_mutex*>(mutex);
+}
+
+void lock_mutex(void* mutex)
+{
+    static_cast<std::recursive_mutex*>(mutex)->lock();
+}
+
+void unlock_mutex(void* mutex)
+{
+    static_cast<std::recursive_mutex*>(mutex)->unlock();
+}
+
+unsigned code_page()
+{
+    return 65001; // UTF-8, whatever the locale says
+}
+
+} // namespace Vela::platform
