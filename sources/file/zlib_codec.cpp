@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 namespace Vela {
+VELA_ABI_NAMESPACE_BEGIN
 
 static_assert(StreamCodec::ok == Z_OK && StreamCodec::stream_end == Z_STREAM_END &&
                   StreamCodec::no_progress == Z_BUF_ERROR,
@@ -78,4 +79,5 @@ std::unique_ptr<StreamCodec> make_zlib_decoder()
     return std::make_unique<ZlibDecoder>();
 }
 
+VELA_ABI_NAMESPACE_END
 } // namespace Vela
