@@ -1,0 +1,132 @@
+#include "binary_io/types/conversion_case.h"
+#include "binary_io/types/sample_values.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// All 500 numeric combinations, each held against the bit by bit reference.
+
+namespace vela_test {
+namespace {
+
+constexpr std::size_t pool_size = 8000;
+
+std::vector<std::uint64_t> pool_of(const ScalarKind& kind, std::uint64_t seed)
+{
+    std::vector<std::uint64_t> values = mixed_values(kind, pool_size, seed);
+    values.resize(pool_size);
+    return values;
+}
+
+std::vector<Combination> every_combination()
+{
+    std::vector<Combination> combinations;
+    for (const Shape shape : all_shapes)
+        for (const ScalarKind& source : scalar_kinds)
+            for (const ScalarKind& target : scalar_kinds)
+                combinations.push_back({shape, source, target});
+    return combinations;
+}
+
+class EveryCombination : public testing::TestWithParam<Combination>
+{
+protected:
+    // Other seeds for real and imaginary parts, so that one taken for the other is seen.
+    Conversion conversion =
+        make_conversion(GetParam(), pool_of(GetParam().source, 0x1234567), pool_of(GetParam().source, 0x89abcdef));
+
+    /// The same samples are not always at the same place of a run.
+    std::size_t first_of_run(std::size_t count) const { return count * 131 % (conversion.count - count); }
+};
+
+TEST_P(EveryCombination, ConvertsEdgeAndRandomValues)
+{
+    EXPECT_TRUE(converts_all(conversion));
+}
+
+TEST_P(EveryCombination, ConvertsAnyCountUpTo70AtAnyAddress)
+{
+    for (std::size_t count = 0; count <= 70; ++count)
+        ASSERT_TRUE(converts(conversion, first_of_run(count), count, shifts_of_turn(count))) << "count " << count;
+}
+
+TEST_P(EveryCombination, ConvertsCountsAround4096AtAnyAddress)
+{
+    for (std::size_t count = 4090; count <= 4102; ++count)
+        ASSERT_TRUE(converts(conversion, first_of_run(count), count, shifts_of_turn(count))) << "count " << count;
+}
+
+TEST_P(EveryCombination, ConvertsNothingWithoutBuffersAtCountZero)
+{
+    unsigned char present = 0xa5;
+    const Combination& combination = GetParam();
+    EXPECT_EQ(vela_dt_convert(combination.source_id(), combination.target_id(), nullptr, nullptr, 0,
+                              combination.shape == Shape::join ? &present : nullptr,
+                              combination.shape == Shape::split ? &present : nullptr),
+              0);
+    EXPECT_EQ(present, 0xa5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Numeric, EveryCombination, testing::ValuesIn(every_combination()),
+                         [](const testing::TestParamInfo<Combination>& info) { return info.param.name(); });
+
+TEST(NumericCombinations, Are500)
+{
+    EXPECT_EQ(every_combination().size(), 500u);
+}
+
+TEST(NumericCombinations, AreFedWithAllEdgeValues)
+{
+    for (const ScalarKind& kind : scalar_kinds)
+        EXPECT_LT(edge_values(kind).size(), pool_size) << kind.name;
+}
+
+// Every 8-bit and 16-bit pattern to every type, by every way that a scalar can go in.
+
+class EveryPattern : public testing::TestWithParam<ScalarKind>
+{
+protected:
+    void expect_all_convert(Shape shape)
+    {
+        const std::vector<std::uint64_t> upwards = all_values(GetParam());
+        const std::vector<std::uint64_t> downwards(upwards.rbegin(), upwards.rend());
+        for (const ScalarKind& target : scalar_kinds)
+            EXPECT_TRUE(converts_all(make_conversion({shape, GetParam(), target}, upwards, downwards)))
+                << "to " << target.name;
+    }
+};
+
+TEST_P(EveryPattern, ConvertsToEveryScalar)
+{
+    expect_all_convert(Shape::scalar_to_scalar);
+}
+
+TEST_P(EveryPattern, ConvertsToEveryComplexType)
+{
+    expect_all_convert(Shape::scalar_to_complex);
+}
+
+TEST_P(EveryPattern, ConvertsAsAPartOfAComplexSample)
+{
+    expect_all_convert(Shape::complex_to_complex);
+}
+
+TEST_P(EveryPattern, IsSplitOffAComplexSample)
+{
+    expect_all_convert(Shape::split);
+}
+
+TEST_P(EveryPattern, JoinsToAComplexSample)
+{
+    expect_all_convert(Shape::join);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of16BitsOrFewer, EveryPattern, testing::Values(uint8_kind, int8_kind, uint16_kind, int16_kind),
+                         [](const testing::TestParamInfo<ScalarKind>& info) { return std::string(info.param.name); });
+
+} // namespace
+} // namespace vela_test
