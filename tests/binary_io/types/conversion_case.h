@@ -170,14 +170,14 @@ class TargetBlock
 {
 public:
     TargetBlock(std::size_t size_bytes, std::size_t shift)
-        : before(guard_bytes + shift), size_bytes(size_bytes), block(before + size_bytes + guard_bytes, filler)
+        : before(guard_bytes + shift), after(before + size_bytes), block(after + guard_bytes, filler)
     {
     }
 
     unsigned char* data() { return block.data() + before; }
     const unsigned char* data() const { return block.data() + before; }
 
-    bool guards_are_intact() const { return all_filler(0, before) && all_filler(before + size_bytes, block.size()); }
+    bool guards_are_intact() const { return all_filler(0, before) && all_filler(after, block.size()); }
     bool is_untouched() const { return all_filler(0, block.size()); }
 
 private:
@@ -192,7 +192,7 @@ private:
     }
 
     std::size_t before;
-    std::size_t size_bytes;
+    std::size_t after;
     SampleBytes block;
 };
 

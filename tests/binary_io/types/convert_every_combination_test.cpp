@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -15,11 +16,25 @@ namespace {
 
 constexpr std::size_t pool_size = 8000;
 
-std::vector<std::uint64_t> pool_of(const ScalarKind& kind, std::uint64_t seed)
+/// Other seeds for real and imaginary parts, so that one taken for the other is seen.
+struct Pools
 {
-    std::vector<std::uint64_t> values = mixed_values(kind, pool_size, seed);
-    values.resize(pool_size);
-    return values;
+    std::vector<std::uint64_t> real;
+    std::vector<std::uint64_t> imag;
+
+    explicit Pools(const ScalarKind& kind)
+        : real(mixed_values(kind, pool_size, 0x1234567)), imag(mixed_values(kind, pool_size, 0x89abcdef))
+    {
+        real.resize(pool_size);
+        imag.resize(pool_size);
+    }
+};
+
+/// The values of a kind, made once: every combination draws on them.
+const Pools& pools_of(const ScalarKind& kind)
+{
+    static std::map<std::uint32_t, Pools> pools;
+    return pools.try_emplace(kind.id, kind).first->second;
 }
 
 std::vector<Combination> every_combination()
@@ -35,29 +50,36 @@ std::vector<Combination> every_combination()
 class EveryCombination : public testing::TestWithParam<Combination>
 {
 protected:
-    // Other seeds for real and imaginary parts, so that one taken for the other is seen.
-    Conversion conversion =
-        make_conversion(GetParam(), pool_of(GetParam().source, 0x1234567), pool_of(GetParam().source, 0x89abcdef));
+    static Conversion conversion()
+    {
+        const Pools& pools = pools_of(GetParam().source);
+        return make_conversion(GetParam(), pools.real, pools.imag);
+    }
 
-    /// The same samples are not always at the same place of a run.
-    std::size_t first_of_run(std::size_t count) const { return count * 131 % (conversion.count - count); }
+    static void expect_counts(std::size_t least, std::size_t most)
+    {
+        const Conversion pool = conversion();
+        for (std::size_t count = least; count <= most; ++count)
+        {
+            const std::size_t first = count * 131 % (pool_size - count); // not always the same samples at a place
+            ASSERT_TRUE(converts(pool, first, count, shifts_of_turn(count))) << "count " << count;
+        }
+    }
 };
 
 TEST_P(EveryCombination, ConvertsEdgeAndRandomValues)
 {
-    EXPECT_TRUE(converts_all(conversion));
+    EXPECT_TRUE(converts_all(conversion()));
 }
 
 TEST_P(EveryCombination, ConvertsAnyCountUpTo70AtAnyAddress)
 {
-    for (std::size_t count = 0; count <= 70; ++count)
-        ASSERT_TRUE(converts(conversion, first_of_run(count), count, shifts_of_turn(count))) << "count " << count;
+    expect_counts(0, 70);
 }
 
 TEST_P(EveryCombination, ConvertsCountsAround4096AtAnyAddress)
 {
-    for (std::size_t count = 4090; count <= 4102; ++count)
-        ASSERT_TRUE(converts(conversion, first_of_run(count), count, shifts_of_turn(count))) << "count " << count;
+    expect_counts(4090, 4102);
 }
 
 TEST_P(EveryCombination, ConvertsNothingWithoutBuffersAtCountZero)
@@ -72,7 +94,7 @@ TEST_P(EveryCombination, ConvertsNothingWithoutBuffersAtCountZero)
 }
 
 INSTANTIATE_TEST_SUITE_P(Numeric, EveryCombination, testing::ValuesIn(every_combination()),
-                         [](const testing::TestParamInfo<Combination>& info) { return info.param.name(); });
+                         [](const testing::TestParamInfo<Combination>& tested) { return tested.param.name(); });
 
 TEST(NumericCombinations, Are500)
 {
@@ -126,7 +148,9 @@ TEST_P(EveryPattern, JoinsToAComplexSample)
 }
 
 INSTANTIATE_TEST_SUITE_P(Of16BitsOrFewer, EveryPattern, testing::Values(uint8_kind, int8_kind, uint16_kind, int16_kind),
-                         [](const testing::TestParamInfo<ScalarKind>& info) { return std::string(info.param.name); });
+                         [](const testing::TestParamInfo<ScalarKind>& tested) {
+                             return std::string(tested.param.name);
+                         });
 
 } // namespace
 } // namespace vela_test

@@ -194,6 +194,13 @@ TEST(SampleTypeIdentity, OfThePackedColourIsThatOfUint32)
     EXPECT_EQ(vela_dt_get_type(0x800), typeid(std::uint32_t));
 }
 
+TEST(SampleTypeIdentity, OfInt8IsTheSignedCharacterOfAllProcessors)
+{
+    // Plain char is another type, and unsigned on some processors.
+    EXPECT_EQ(vela_dt_get_type(0x2), typeid(std::int8_t));
+    EXPECT_EQ(vela_dt_get_type(0x40000002), typeid(std::complex<std::int8_t>));
+}
+
 TEST(SampleTypeIdentity, OfCharIsThePropertyString)
 {
     EXPECT_EQ(vela_dt_get_type(0x20000), typeid(VPropstring));
