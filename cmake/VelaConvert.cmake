@@ -2,7 +2,7 @@
 #
 # -O3 vectorises with epilogues; the casts are made harmless before they are done, so they may be done early
 # (-fno-trapping-math); a product and a sum stay two operations on every processor (-ffp-contract=off).
-set(vela_convert_options -O3 -fno-trapping-math -ffp-contract=off)
+set(vela_convert_options -O3 -funroll-loops -fno-trapping-math -ffp-contract=off)
 set(vela_convert_folder "${CMAKE_CURRENT_SOURCE_DIR}/sources/binary_io/types")
 
 function(vela_add_convert_variants target)
@@ -11,12 +11,9 @@ function(vela_add_convert_variants target)
     COMPILE_OPTIONS "${vela_convert_options}" SKIP_PRECOMPILE_HEADERS ON)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
     set(avx2 "${vela_convert_folder}/convert_avx2.cpp")
-    set(avx512 "${vela_convert_folder}/convert_avx512.cpp")
     set_source_files_properties("${avx2}" PROPERTIES
       COMPILE_OPTIONS "${vela_convert_options};-mavx2" SKIP_PRECOMPILE_HEADERS ON)
-    set_source_files_properties("${avx512}" PROPERTIES
-      COMPILE_OPTIONS "${vela_convert_options};-mavx512f;-mavx512bw;-mavx512dq;-mavx512vl" SKIP_PRECOMPILE_HEADERS ON)
-    target_sources(${target} PRIVATE "${avx2}" "${avx512}")
+    target_sources(${target} PRIVATE "${avx2}")
     target_compile_definitions(${target} PRIVATE VELA_X86_VARIANTS)
   endif()
 endfunction()

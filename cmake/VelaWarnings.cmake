@@ -2,4 +2,4 @@
 add_library(vela_warnings INTERFACE)
 target_compile_options(vela_warnings INTERFACE
   -Werror -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor
-  -Woverloaded-virtual -Wold-style-cast -Wcast-align -Wformat=2 -Wnull-dereference -Wdouble-promotion)
+  -Woverloaded-virtual -Wold-style-cast -Wcast-align -Wformat=2 -Wdouble-promotion)

@@ -29,7 +29,6 @@ struct ConvertTables
 extern const ConvertTables convert_tables_baseline;
 #if defined(VELA_X86_VARIANTS)
 extern const ConvertTables convert_tables_avx2;
-extern const ConvertTables convert_tables_avx512;
 #endif
 
 } // namespace Vela::detail

@@ -41,9 +41,6 @@ Numeric classify(std::uint32_t id)
 const ConvertTables& select_tables()
 {
 #if defined(VELA_X86_VARIANTS)
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-        __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"))
-        return convert_tables_avx512;
     if (__builtin_cpu_supports("avx2"))
         return convert_tables_avx2;
 #endif

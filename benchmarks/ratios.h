@@ -1,0 +1,17 @@
+/// Benchmarks that are read as ratios: each subject stands beside its peer in the same run, and the
+/// figure is the ratio of their median times.
+#pragma once
+
+#include <string>
+
+namespace vela_bench {
+
+/// Asks for a line "name: peer time / subject time, limit" at the end of the run. `peer` and `subject` are
+/// names of registered benchmarks; the ratio is the speed of the subject in units of the peer's.
+void expect_ratio(const std::string& name, const std::string& subject, const std::string& peer, double limit);
+
+/// Parses the options of Google Benchmark, runs everything interleaved in random order and prints the ratios.
+/// The exit status does not depend on them: a noisy machine must not fail a build.
+int run(int argc, char** argv);
+
+} // namespace vela_bench
