@@ -87,11 +87,11 @@ protected:
     void for_all(Check check)
     {
         const std::size_t from = GetParam();
+        const Bytes values = values_for(from, 20001, 1000 + from);
         for (std::size_t to = 0; to < scalar_count; ++to)
-            for (const std::size_t count : {0, 1, 31, 1023, 1024, 1025, 20000})
-                for (const std::size_t shift : {0, 1, 8})
+            for (const std::size_t count : {0u, 1u, 31u, 1023u, 1024u, 1025u, 20000u})
+                for (const std::size_t shift : {0u, 1u, 8u})
                 {
-                    const Bytes values = values_for(from, count + 1, 1000 * from + 10 * to + count);
                     SCOPED_TRACE(std::string(vela_dt_get_name(static_cast<vela_dt>(ids[from]))) + " to " +
                                  vela_dt_get_name(static_cast<vela_dt>(ids[to])) + ", " + std::to_string(count) +
                                  " samples, shifted by " + std::to_string(shift));
