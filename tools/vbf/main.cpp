@@ -90,11 +90,12 @@ CLI::App* add_preview(CLI::App& app, PreviewOptions& options)
     return command;
 }
 
-/// Prints what CLI11 has to say: help and version to standard output, errors to standard error.
+/// Help and version are no failures, though CLI11 throws them.
 int answer(const CLI::App& app, const CLI::ParseError& error)
 {
-    if (app.exit(error, std::cout, std::cerr) != 0)
-        return wrong_usage;
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success))
+        throw UsageFailure(std::string(error.what()) + ". Try vbf --help.");
+    app.exit(error, std::cout, std::cerr);
     if (!std::cout.flush())
         throw std::runtime_error("Cannot write to standard output");
     return done;
