@@ -215,6 +215,24 @@ TEST_F(ReadTest, DamagedStreamFails)
     expect_read_failure(stack, {}, "Zip error (-3)!");
 }
 
+TEST_F(ReadTest, WrongTrailerFails)
+{
+    StackRecipe stack = five_compressed_numbers();
+    stack.segment.back() ^= 0xff;
+    expect_read_failure(stack, {}, "Zip error (-3)!");
+}
+
+TEST_F(ReadTest, MissingTrailerIsAWarningBesideAllSamples)
+{
+    StackRecipe stack = five_compressed_numbers();
+    stack.segment.erase(stack.segment.end() - 4, stack.segment.end());
+    const RunResult result = run({"read", put(build_vbf(stack)), "0"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "\x02\x01\x04\x03\x06\x05\x08\x07\x0a\x09");
+    EXPECT_THAT(result.err, testing::HasSubstr("WARNING"));
+    EXPECT_THAT(result.err, testing::HasSubstr("Inconsistency in segment!"));
+}
+
 TEST_F(ReadTest, FileThatWasNotClosedIsRead)
 {
     FileRecipe file;
