@@ -85,9 +85,12 @@ TEST_F(ReadTest, LevelZeroIsStoredPlain)
 TEST_F(ReadTest, LevelWithoutCompressionIsNotUsed)
 {
     StackRecipe stack = five_numbers();
-    stack.compression_type = 0;
     stack.compression_level = 9;
-    EXPECT_EQ(read(stack), (Bytes{2, 1, 4, 3, 6, 5, 8, 7, 10, 9}));
+    for (const std::int32_t type : {0, 2, -1})
+    {
+        stack.compression_type = type;
+        EXPECT_EQ(read(stack), (Bytes{2, 1, 4, 3, 6, 5, 8, 7, 10, 9}));
+    }
 }
 
 TEST_F(ReadTest, FromAndCountAreInSamples)

@@ -8,20 +8,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include <cmath>
-
 namespace {
 
 /// Keeps the order in which the keys are set.
 typedef nlohmann::ordered_json Json;
-
-Json finite_or_null(const std::vector<double>& numbers)
-{
-    Json list = Json::array();
-    for (const double number : numbers)
-        list.push_back(std::isfinite(number) ? Json(number) : Json(nullptr));
-    return list;
-}
 
 /// Fields are copied out of the packed header, never referred to.
 template <class T>
@@ -39,8 +29,8 @@ Json describe(const VBFChainEntry& stack, std::size_t index)
     result["format_version"] = copy_of(stack.header.format_version);
     result["rank"] = copy_of(stack.header.rank);
     result["sizes"] = shape.sizes;
-    result["lengths"] = finite_or_null(shape.lengths);
-    result["offsets"] = finite_or_null(shape.offsets);
+    result["lengths"] = shape.lengths; // JSON has no NaN and no infinity: both are written as null
+    result["offsets"] = shape.offsets;
     result["data_type"] = copy_of(stack.header.data_type);
     result["type"] = vela_dt_get_name(stack.header.data_type);
     result["compression_type"] = copy_of(stack.header.compression_type);
