@@ -1,0 +1,21 @@
+# cmake -DEXPECTED=FILE -P compare_output.cmake -- PROGRAM ARGUMENT...
+# Fails unless the program succeeds and its standard output is the content of FILE.
+set(command)
+set(found_separator FALSE)
+math(EXPR last "${CMAKE_ARGC} - 1")
+foreach(i RANGE ${last})
+  if(found_separator)
+    list(APPEND command "${CMAKE_ARGV${i}}")
+  elseif(CMAKE_ARGV${i} STREQUAL "--")
+    set(found_separator TRUE)
+  endif()
+endforeach()
+
+execute_process(COMMAND ${command} OUTPUT_VARIABLE output ERROR_VARIABLE messages RESULT_VARIABLE status)
+file(READ "${EXPECTED}" expected)
+if(NOT status STREQUAL "0")
+  message(FATAL_ERROR "exit status ${status}\n${messages}")
+endif()
+if(NOT output STREQUAL expected)
+  message(FATAL_ERROR "expected:\n${expected}\nprinted:\n${output}")
+endif()

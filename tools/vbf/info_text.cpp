@@ -1,0 +1,126 @@
+#include "info.h"
+
+#include "scanned_file.h"
+#include "stack_shape.h"
+#include "text.h"
+
+#include <VelaBase/vela_dt.h>
+
+#include <array>
+#include <cstdio>
+
+namespace {
+
+std::string number_text(double number)
+{
+    std::array<char, 32> buffer = {};
+    std::snprintf(buffer.data(), buffer.size(), "%.6g", number);
+    return buffer.data();
+}
+
+std::string number_text(std::uint32_t number)
+{
+    return std::to_string(number);
+}
+
+/// "147 x 137 x 25"
+template <class T>
+std::string times(const std::vector<T>& numbers)
+{
+    std::string result;
+    for (const T& number : numbers)
+        result += (result.empty() ? "" : " x ") + number_text(number);
+    return result;
+}
+
+/// "0, 0, 4.5"
+std::string listed(const std::vector<double>& numbers)
+{
+    std::string result;
+    for (const double number : numbers)
+        result += (result.empty() ? "" : ", ") + number_text(number);
+    return result;
+}
+
+std::string type_text(vela_dt type)
+{
+    if (type == vela_dt_rgb)
+        return "colour of 3 bytes";
+    if (type == vela_dt_packed_color)
+        return "packed colour";
+    if (vela_dt_get_size(static_cast<std::uint32_t>(type)) != 0)
+        return vela_dt_get_name(type);
+    std::array<char, 64> buffer = {};
+    std::snprintf(buffer.data(), buffer.size(), "%s (0x%x, not a type of samples)", vela_dt_get_name(type),
+                  static_cast<unsigned>(type));
+    return buffer.data();
+}
+
+std::string compression_text(const VBFStackHeader& header)
+{
+    const std::string level = std::to_string(header.compression_level);
+    if (header.compression_type == 0)
+        return "none";
+    if (header.compression_type != 1)
+        return "type " + std::to_string(header.compression_type) + ", unknown";
+    return header.compression_level > 0 ? "zlib, level " + level : "none (zlib, level " + level + ")";
+}
+
+std::string segment_text(const VBFChainEntry& stack)
+{
+    if (stack.header.data_length_on_disk == 0)
+        return "no bytes: all samples are zero";
+    return std::to_string(stack.header.data_length_on_disk) + " bytes at " + std::to_string(stack.data_pos);
+}
+
+/// One line "  label        value"; nothing for an empty value.
+std::string line(const std::string& label, const std::string& value)
+{
+    if (value.empty())
+        return "";
+    constexpr std::size_t width = 13;
+    return "  " + label + std::string(width - label.size(), ' ') + terminal_safe(value) + "\n";
+}
+
+std::string describe(const VBFChainEntry& stack, std::size_t index)
+{
+    const StackShape shape(stack.header);
+    std::string result = "\nstack " + std::to_string(index) + "\n";
+    result += line("name", stack.name);
+    result += line("description", stack.description);
+    result += line("size", shape.sizes.empty() ? "a single sample" : times(shape.sizes));
+    result += line("length", times(shape.lengths));
+    result += line("offset", listed(shape.offsets));
+    result += line("type", type_text(stack.header.data_type));
+    result += line("compression", compression_text(stack.header));
+    result += line("on disk", segment_text(stack));
+    result += line("header",
+                   "version " + std::to_string(stack.header.format_version) + " at " + std::to_string(stack.position));
+    return result;
+}
+
+/// Nothing for a file that opens.
+std::string state_text(ScannedFile& input)
+{
+    const std::optional<std::string> failure = input.get_open_failure();
+    if (!failure)
+        return "";
+    const std::string why = "does not open (" + *failure + ")";
+    return input.is_not_closed() ? "was not closed, " + why : why;
+}
+
+} // namespace
+
+std::string info_as_text(const std::string& path, ScannedFile& input)
+{
+    const VBFChain& chain = input.get_chain();
+    const std::size_t count_stacks = chain.stacks.size();
+    std::string result = terminal_safe(path) + "\n";
+    result += line("description", chain.file.description);
+    result += line("format", "VBF version " + std::to_string(chain.file.header.format_version));
+    result += line("state", state_text(input));
+    result += line("stacks", std::to_string(count_stacks));
+    for (std::size_t index = 0; index < count_stacks; ++index)
+        result += describe(chain.stacks[index], index);
+    return result;
+}

@@ -1,0 +1,39 @@
+/// A file that is open, with what a scan of it lists.
+#pragma once
+
+#include <VelaBinaryIO/VBFHeaders.h>
+#include <VelaFile/VFile.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// Opens and scans a file. The file stays open and in use as long as this object lives.
+class ScannedFile
+{
+public:
+    /// @throws VelaError as `VFile::open` and `scan_chain` do
+    /// @throws std::runtime_error: `path` is no UTF-8, so the library cannot name the file.
+    explicit ScannedFile(const std::string& path);
+    ScannedFile(const ScannedFile&) = delete;
+    ScannedFile& operator=(const ScannedFile&) = delete;
+
+    const VBFChain& get_chain() const { return chain; }
+    VFile& get_file() { return file; }
+
+    /// @throws VelaError id -4 "Invalid stack index %d!"
+    const VBFChainEntry& get_stack(std::uint64_t index) const;
+
+    /// The file has a dictionary; without one it was made by an old writer.
+    bool has_dictionary() const { return chain.file.header.format_version > 1; }
+
+    /// A file with a dictionary whose position was never filled in.
+    bool is_not_closed() const { return has_dictionary() && chain.file.meta_data_pos == 0; }
+
+    /// Why a reader that looks at the dictionary too does not open the file; nothing if it opens.
+    std::optional<std::string> get_open_failure();
+
+private:
+    VFile file;
+    VBFChain chain;
+};
