@@ -38,4 +38,7 @@ expect 1 $'exported, but not ours:\nvela_one()\nnot exported:\nvela_one' <<<"$th
 expect 1 $'exported, but not ours:\nvoid std::helper<VThing>(VThing&)' \
   <<<"$thing $one namespace std { template <class T> __attribute__((visibility(\"default\"))) void helper(T&) {} template void helper(VThing&); }"
 
+grep -v '^needed' "$root/list" >"$root/shorter" && mv "$root/shorter" "$root/list"
+expect 1 "$root/list says nothing" <<<"$thing $one"
+
 exit $((failures > 0))
