@@ -41,7 +41,7 @@ struct VBFStackHeader
     double lengths[max_rank];                ///< physical lengths; the first `rank` count
     double offsets[max_rank];                ///< physical offsets; the first `rank` count
     std::int32_t data_type;                  ///< sample type id (`VelaBase/vela_dt.h`)
-    std::int32_t compression_type;           ///< 0 none, 1 zlib
+    std::uint32_t compression_type;          ///< 0 none, 1 zlib
     std::int32_t compression_level;          ///< zlib level
     std::uint32_t name_length;               ///< bytes
     std::uint32_t description_length;        ///< bytes

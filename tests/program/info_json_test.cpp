@@ -142,12 +142,12 @@ TEST_F(InfoJsonTest, TypesWithoutANameAreNone)
 TEST_F(InfoJsonTest, NumbersOfTheHeaderAreTakenAsTheyAre)
 {
     StackRecipe stack = plain_stack<std::uint8_t>({0xffffffffu}, -1, {1});
-    stack.compression_type = -7;
+    stack.compression_type = -7; // as the bytes F9 FF FF FF
     stack.compression_level = 1000;
     const Json listed = info_of(build_vbf(stack))["stacks"][0];
     EXPECT_EQ(listed["sizes"], Json({0xffffffffu}));
     EXPECT_EQ(listed["data_type"], -1);
-    EXPECT_EQ(listed["compression_type"], -7);
+    EXPECT_EQ(listed["compression_type"], 0xfffffff9u);
     EXPECT_EQ(listed["compression_level"], 1000);
 }
 
