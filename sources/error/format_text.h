@@ -1,6 +1,8 @@
 /// The two ways in which a message becomes text.
 #pragma once
 
+#include <VelaBase/export.h>
+
 #include <cstdarg>
 #include <string>
 
@@ -10,7 +12,7 @@ namespace Vela::detail {
 constexpr std::size_t message_buffer_size = 4096;
 
 /// As `vsnprintf` forms it, cut.
-std::string format_message(const char* format, std::va_list arguments);
+std::string format_message(const char* format, std::va_list arguments) VELA_PRINTF_FORMAT(1, 0);
 
 /// The text of a format that has no arguments: "%%" becomes "%", any other directive stays as it stands,
 /// since it may come from outside. Cut in the same way. Null gives an empty text.

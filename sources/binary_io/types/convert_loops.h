@@ -145,7 +145,7 @@ inline bool block_by_low_bits(const char* source, char* target)
 {
     auto seen = Lanes::none();
     truncate_block<From, To>(source, target,
-                             [&seen](char* out, auto a, auto b, auto c, auto d)
+                             [&](char* out, auto a, auto b, auto c, auto d)
                              {
                                  if constexpr (look)
                                      seen = Lanes::either(
