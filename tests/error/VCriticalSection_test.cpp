@@ -52,28 +52,35 @@ private:
 
 static_assert(PubliclyLockable<Lock> && PubliclyUnlockable<Lock>);
 
-// Both sides count without atomics: without the lock increments would get lost.
+// The counters are no atomics: without the lock increments would get lost. The threads give way while
+// they are inside, which is where another would have to come in.
 TEST(VCriticalSection, AdmitsOneThreadAtATime)
 {
     const int thread_count = 4;
-    const int rounds = 20000;
+    const int rounds = 500;
     Lock section;
     long counter = 0;
     int inside = 0;
     bool met_another = false;
+    std::promise<void> all_started;
+    const std::shared_future<void> start = all_started.get_future().share();
     std::vector<std::thread> threads;
     for (int i = 0; i < thread_count; ++i)
-        threads.emplace_back([&] {
+        threads.emplace_back([&section, &counter, &inside, &met_another, start] {
+            start.wait();
             for (int round = 0; round < rounds; ++round)
             {
                 section.lock();
                 met_another = met_another || inside != 0;
                 ++inside;
-                ++counter;
+                const long counted = counter;
+                std::this_thread::yield();
+                counter = counted + 1;
                 --inside;
                 section.unlock();
             }
         });
+    all_started.set_value();
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(counter, static_cast<long>(thread_count) * rounds);
@@ -95,6 +102,8 @@ TEST(VCriticalSection, MakesAnotherThreadWaitUntilItIsUnlockedAsOftenAsLocked)
         section.unlock();
     });
     about_to_lock.get_future().wait();
+    for (int i = 0; i < 1000; ++i)
+        std::this_thread::yield(); // an occasion to come in too early; nothing depends on its length
     while (unlocks_to_come > 0)
     {
         --unlocks_to_come;
