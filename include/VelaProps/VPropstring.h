@@ -86,7 +86,56 @@ public:
     bool operator==(const char* other) const;
 };
 
+/// The same the other way round, and negated. C++20 would find most of these by itself, C++17 does not.
+inline bool operator==(const std::wstring& a, const VPropstring& b)
+{
+    return b == a;
+}
+inline bool operator==(const wchar_t* a, const VPropstring& b)
+{
+    return b == a;
+}
+inline bool operator==(const std::string& a, const VPropstring& b)
+{
+    return b == a;
+}
+inline bool operator==(const char* a, const VPropstring& b)
+{
+    return b == a;
+}
 inline bool operator!=(const VPropstring& a, const VPropstring& b)
 {
     return !(a == b);
+}
+inline bool operator!=(const VPropstring& a, const std::wstring& b)
+{
+    return !(a == b);
+}
+inline bool operator!=(const VPropstring& a, const wchar_t* b)
+{
+    return !(a == b);
+}
+inline bool operator!=(const VPropstring& a, const std::string& b)
+{
+    return !(a == b);
+}
+inline bool operator!=(const VPropstring& a, const char* b)
+{
+    return !(a == b);
+}
+inline bool operator!=(const std::wstring& a, const VPropstring& b)
+{
+    return !(b == a);
+}
+inline bool operator!=(const wchar_t* a, const VPropstring& b)
+{
+    return !(b == a);
+}
+inline bool operator!=(const std::string& a, const VPropstring& b)
+{
+    return !(b == a);
+}
+inline bool operator!=(const char* a, const VPropstring& b)
+{
+    return !(b == a);
 }
