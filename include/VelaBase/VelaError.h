@@ -29,14 +29,18 @@
 ///
 /// A thrown error says nothing by itself. It reaches the last-error record when somebody calls
 /// `what()` or `process()`, and at its destruction when `do_process()` or `do_warn()` was called.
+/// Threads share that record: reports made at the same time overwrite each other, in some order and whole.
 /// The destructor never throws. A copy carries the flags along: copies of an error that has
 /// `do_warn()` set deliver the warning once each.
 class VELA_API VelaError : public std::exception
 {
 public:
+    /// Without function, file and line.
+    VelaError();
+
     /// `func` and `file` are not copied and have to outlive the error; both may be null.
     /// `line` 0 means that there is no source place.
-    explicit VelaError(const char* func = nullptr, const char* file = nullptr, int line = 0);
+    VelaError(const char* func, const char* file, int line);
 
     /// The same with a message, taken as it stands and of any length.
     VelaError(const std::string& msg, const char* func, const char* file, int line);
@@ -48,7 +52,8 @@ public:
     ~VelaError() override;
 
     /// The report, as in the description of the class. Also makes it the last error.
-    /// The pointer is valid until the next `process()` or `what()` anywhere in the process.
+    /// The pointer is valid until the next `process()` or `what()` anywhere in the process. Where no memory is
+    /// left for the report, this is the bare message, and the last error stays as it was.
     const char* what() const noexcept override;
 
     /// A copy on the heap, owned by the caller, that keeps `file` and `func` in storage of its own
@@ -56,6 +61,7 @@ public:
     virtual VelaError* clone() const;
 
     /// Replaces the message by `format` with its arguments, as `vsnprintf` forms it, cut to 4095 characters.
+    /// A null `format` gives an empty message.
     VelaError& operator()(const char* format, ...) VELA_PRINTF_FORMAT(2, 3);
 
     /// Sets the id, which is -1 at first.
@@ -91,6 +97,7 @@ public:
 
 private:
     void compose(std::string& report) const;
+    void copy_place(const VelaError& other);
 
     const char* file;
     const char* func;
@@ -110,7 +117,7 @@ extern "C" {
 
 /// Throws a `VelaError` of `func`, `file` and `line` with id -1.
 /// `msg` is a format without arguments: "%%" becomes "%", any other directive stays as it stands.
-/// The text is cut to 4095 characters.
+/// The text is cut to 4095 characters. A null `msg` gives an empty one.
 [[noreturn]] VELA_API void vela_err(const char* msg, const char* func, const char* file, int line);
 
 /// Builds the same error and delivers it as a warning.
@@ -122,7 +129,8 @@ VELA_API void vela_warn(const char* msg, const char* func, const char* file, int
 /// Id of the last error that was reported in this process, 0 before the first.
 VELA_API int vela_get_last_error();
 
-/// Report of the last error, without a line break at its end. Valid until the next report.
+/// Report of the last error, without a line break at its end. Valid until the next report or the next call of this
+/// function.
 VELA_API const char* vela_get_last_error_string();
 
 /// Reports what went wrong in an array conversion of a layer outside this library.
@@ -132,9 +140,11 @@ VELA_API const char* vela_get_last_error_string();
 /// "Runtime error during type conversion: Flags: " followed, without separators and in this order, by
 /// "[rank]" (8), "[rng min]" (1), "[rng max]" (2), "[rounding]" (4). Place and id are those of `err`.
 /// With `warn` the error is delivered as a warning, otherwise it is thrown. `unused_arg` is not used.
+/// This works on a copy of `err`: what `do_warn()` was called on before delivers for each copy besides.
 VELA_API void wrap_array_report_error(const VelaError& err, int flags, int unused_arg, bool warn);
 
-/// Receives each report of `VelaError::process()` with a line break behind it.
+/// Receives each report of `VelaError::process()` with a line break behind it, on the thread that reports.
+/// It must neither throw nor report an error itself.
 typedef void (*vela_debug_sink)(const char* text);
 
 /// Sets the debug sink and returns the one before it. Null, the state at start, is silent.

@@ -94,7 +94,8 @@ public:
     mode get_mode() const { return current_mode; }
     bool is_open() const { return current_mode != static_cast<mode>(-1); }
 
-    /// The most bytes that the layers above move in one transfer.
+    /// The most bytes that the layers above move in one transfer. One reader ignores it: a compressed segment
+    /// takes windows of 64 KiB, whatever the chunk size.
     void set_chunk_size(std::uint32_t size_bytes) { chunk_size = size_bytes; }
     std::uint32_t get_chunk_size() const { return chunk_size; }
 

@@ -107,10 +107,10 @@ public:
     /// it, a missing one is a warning ("Inconsistency in segment!", id -10) on the warning sink.
     /// After a jump to a flush point the trailer is not checked.
     ///
-    /// @throws VelaError id -1 "File not open!": there is no file, or it is closed.
     /// @throws VelaError id -1 "Trying to read from file in write mode!"
-    /// @throws VelaError id -1 "Trying to read beyond segment boundary!": by the declared size, or the stretch on disk
-    ///         ends before `count` bytes came.
+    /// @throws VelaError id -1 "File not open!": not initialised, or the file was closed.
+    /// @throws VelaError id -1 "Trying to read beyond segment boundary!": by the declared size, or a compressed stretch
+    ///         ends before `count` bytes came. A stored stretch is bounded by its declared size alone.
     /// @throws VelaError id -3 "Failed reading %d bytes from file!": the file ends inside the stretch, or the system failed.
     /// @throws VelaError id -10 "Inconsistency in segment!": the stream ended early, or other than 0 or 4 bytes follow it.
     /// @throws VelaError id -10 "Zip error (%d)!" on zlib's code.
@@ -118,8 +118,8 @@ public:
 
     /// Writes `count` bytes. With null `data` and `count` 0 it finishes the stream as `write_end` does.
     ///
-    /// @throws VelaError id -1 "File not open!": there is no file, or it is closed.
-    /// @throws VelaError id -1 "Trying to write to file in read mode!"
+    /// @throws VelaError id -1 "Trying to write to file in read mode!", also when not initialised
+    /// @throws VelaError id -1 "File not open!": the file was closed.
     /// @throws VelaError id -1 "Trying to write beyond segment boundary!"
     /// @throws VelaError id -1 "Zlib cannot handle chunks larger than 4GB": `count` is above 0xFFFFFFFF, compressed only.
     /// @throws VelaError id -3 "Failed writing %d bytes to file!"

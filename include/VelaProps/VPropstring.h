@@ -10,7 +10,7 @@
 /// A wide string that converts to and from narrow text at its interface.
 ///
 /// The text is held in wide units: UTF-16 where `wchar_t` has 16 bits, code points where it has 32.
-/// It may contain NUL. Lengths count wide units.
+/// It may contain NUL; its own length counts wide units. A null pointer to text counts as empty text.
 ///
 /// Every conversion drops what it cannot express: bytes that are not valid in the encoding,
 /// and characters that the encoding does not have. The characters beside them stay.
@@ -33,7 +33,7 @@ public:
     VPropstring();
     VPropstring(const VPropstring& other);
     VPropstring(VPropstring&& other) noexcept;
-    /// These two take the text as it stands. Null counts as empty.
+    /// These two take the text as it stands.
     VPropstring(const std::wstring& text);
     VPropstring(const wchar_t* text);
     /// These two call `from`.

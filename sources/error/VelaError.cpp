@@ -4,15 +4,17 @@
 #include "sources/error/last_error.h"
 #include "sources/platform/platform.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <memory>
+#include <utility>
 
 namespace Vela::detail {
 
 std::string format_message(const char* format, std::va_list arguments)
 {
     char buffer[message_buffer_size] = "";
+    if (format == nullptr)
+        return buffer;
     std::vsnprintf(buffer, sizeof buffer, format, arguments);
     return buffer;
 }
@@ -51,6 +53,8 @@ constexpr WarningSink warning_sink = print_warning;
 
 } // namespace
 
+VelaError::VelaError() : VelaError(nullptr, nullptr, 0) {}
+
 VelaError::VelaError(const char* in_func, const char* in_file, int in_line)
     : file(in_file), func(in_func), line(in_line), thread_id(Vela::platform::thread_id())
 {
@@ -63,20 +67,11 @@ VelaError::VelaError(const std::string& in_msg, const char* in_func, const char*
 }
 
 VelaError::VelaError(const VelaError& other)
-    : std::exception(other), file(other.file), func(other.func), line(other.line), id(other.id),
+    : std::exception(other), file(nullptr), func(nullptr), line(other.line), id(other.id),
       oserr_id(other.oserr_id), msg(other.msg), oserr(other.oserr), warn(other.warn),
       process_on_destroy(other.process_on_destroy), thread_id(other.thread_id)
 {
-    if (stands_in(other.file, other.file_store))
-    {
-        file_store = other.file_store;
-        file = file_store.c_str();
-    }
-    if (stands_in(other.func, other.func_store))
-    {
-        func_store = other.func_store;
-        func = func_store.c_str();
-    }
+    copy_place(other);
 }
 
 VelaError& VelaError::operator=(const VelaError& other)
@@ -92,19 +87,27 @@ VelaError& VelaError::operator=(const VelaError& other)
     warn = other.warn;
     process_on_destroy = other.process_on_destroy;
     thread_id = other.thread_id;
-    file = other.file;
+    copy_place(other);
+    return *this;
+}
+
+/// Takes over file and function: pointers into a store lead to a copy of it here, others are copied.
+void VelaError::copy_place(const VelaError& other)
+{
     if (stands_in(other.file, other.file_store))
     {
         file_store = other.file_store;
         file = file_store.c_str();
     }
-    func = other.func;
+    else
+        file = other.file;
     if (stands_in(other.func, other.func_store))
     {
         func_store = other.func_store;
         func = func_store.c_str();
     }
-    return *this;
+    else
+        func = other.func;
 }
 
 VelaError::~VelaError()
@@ -137,14 +140,14 @@ const char* VelaError::what() const noexcept
 
 VelaError* VelaError::clone() const
 {
-    VelaError* const copy = new VelaError(*this);
+    auto copy = std::make_unique<VelaError>(*this);
     if (file != nullptr)
         copy->file_store = file;
     copy->file = copy->file_store.c_str();
     if (func != nullptr)
         copy->func_store = func;
     copy->func = copy->func_store.c_str();
-    return copy;
+    return copy.release();
 }
 
 VelaError& VelaError::operator()(const char* format, ...)

@@ -5,19 +5,25 @@
 #include "sources/platform/platform.h"
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <utility>
 
 namespace {
 
-std::int32_t last_error_id = 0;
-
-/// Never destroyed: an error may be reported while the process ends.
-std::string& last_error_string()
+/// The record needs no memory to exist and is never destroyed: an error may be reported while the process ends.
+union LastErrorString
 {
-    static std::string& text = *new std::string;
-    return text;
-}
+    constexpr LastErrorString() : text() {}
+    ~LastErrorString() {}
+    std::string text;
+};
+
+/// Reports of several threads overwrite each other, but each whole: `what()` is called where errors are printed,
+/// and two threads that print must not tear a string between them.
+std::mutex last_error_mutex;
+std::int32_t last_error_id = 0;
+constinit LastErrorString last_error_string;
 
 std::string flag_text(int flags)
 {
@@ -37,8 +43,9 @@ std::string flag_text(int flags)
 
 void Vela::detail::set_last_error(int id, std::string&& report) noexcept
 {
+    const std::lock_guard lock(last_error_mutex);
     last_error_id = id;
-    last_error_string() = std::move(report);
+    last_error_string.text.swap(report);
 }
 
 void vela_err(const char* msg, const char* func, const char* file, int line)
@@ -58,12 +65,17 @@ void vela_lasterr(const char* msg, const char* func, const char* file, int line)
 
 int vela_get_last_error()
 {
+    const std::lock_guard lock(last_error_mutex);
     return last_error_id;
 }
 
 const char* vela_get_last_error_string()
 {
-    return last_error_string().c_str();
+    // A copy for each thread: nothing that another one reports changes it.
+    static thread_local std::string text;
+    const std::lock_guard lock(last_error_mutex);
+    text = last_error_string.text;
+    return text.c_str();
 }
 
 void wrap_array_report_error(const VelaError& err, int flags, int, bool warn)

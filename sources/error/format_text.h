@@ -4,6 +4,7 @@
 #include <VelaBase/export.h>
 
 #include <cstdarg>
+#include <cstddef>
 #include <string>
 
 namespace Vela::detail {

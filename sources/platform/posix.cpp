@@ -1,6 +1,7 @@
 #include "sources/platform/platform.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -8,7 +9,6 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace Vela::platform {
 
@@ -17,7 +17,7 @@ namespace {
 /// The most that Linux moves in one read or write.
 constexpr std::size_t max_system_transfer = 0x7ffff000;
 
-DebugSink debug_sink = nullptr;
+std::atomic<DebugSink> debug_sink = nullptr;
 
 template <class Call>
 auto retried(Call call)
@@ -167,13 +167,13 @@ const char* error_text(int code)
 
 void debug_line(const char* text) noexcept
 {
-    if (debug_sink != nullptr)
-        debug_sink(text);
+    if (const DebugSink sink = debug_sink)
+        sink(text);
 }
 
 DebugSink set_debug_sink(DebugSink sink)
 {
-    return std::exchange(debug_sink, sink);
+    return debug_sink.exchange(sink);
 }
 
 std::uint32_t thread_id()

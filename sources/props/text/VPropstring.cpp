@@ -212,7 +212,7 @@ bool VPropstring::operator==(const std::wstring& other) const
 
 bool VPropstring::operator==(const wchar_t* other) const
 {
-    return compare(other) == 0;
+    return wide_view(other, up_to_nul) == *this;
 }
 
 bool VPropstring::operator==(const std::string& other) const
@@ -222,5 +222,5 @@ bool VPropstring::operator==(const std::string& other) const
 
 bool VPropstring::operator==(const char* other) const
 {
-    return to(enc_system) == other;
+    return to(enc_system) == narrow_view(other, up_to_nul);
 }

@@ -66,7 +66,7 @@ TEST(VTypemap, WithoutAFunctionIsEmpty)
     const Names names(every_bit, nullptr);
     EXPECT_EQ(names.get_key("one"), 0);
     EXPECT_EQ(names.get_key(""), 0);
-    EXPECT_THROW(names.get(1), VelaError);
+    EXPECT_VELA_ERROR(names.get(1), -1, "Map entry not found and no default specified!");
 }
 
 TEST(VTypemap, AnUnknownKeyFallsBackToKeyZero)
