@@ -124,8 +124,10 @@ VELA_API VBFStackRecord read_stack_header(VFileAccess& file);
 /// as its chain reaches. The file then stands behind the last thing read.
 ///
 /// @throws VelaError as `read_file_header` and `read_stack_header` do
-/// @throws VelaError id -4 "Invalid stack position specified in header!": the system refuses the position, or the chain
-///         comes back to a position that it has visited.
+/// @throws VelaError id -4 "Invalid stack position specified in header!": the system refuses the position, the chain
+///         comes back to a position that it has visited, or the stacks share so many bytes that their texts together
+///         are longer than the file.
+/// @throws VelaError id -1 "File not open!"
 VELA_API VBFChain scan_chain(VFile& file);
 
 /// Reads a dictionary at the current position into `dictionary`, which is emptied first: pairs of

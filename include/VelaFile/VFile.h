@@ -37,7 +37,7 @@ public:
     VFile(const VFile&) = default;
     VFile& operator=(const VFile&) = default;
 
-    /// Opens the file at `path` (UTF-8 on POSIX).
+    /// Opens the file at `path`, in UTF-8 on POSIX. A path that has no such form, or holds a NUL, names no file.
     ///
     /// @throws VelaError id -1 "File already open or attached!"
     /// @throws VelaError id -1 "Invalid file mode when opening file."
@@ -73,8 +73,8 @@ public:
     /// After a failure the position is wherever the system left it.
     ///
     /// @throws VelaError id -1 "File not open!"
-    /// @throws VelaError id -3 "Failed reading %d bytes from file!" on the low 32 bits of the size, with the system's text:
-    ///         the file ended or the system failed.
+    /// @throws VelaError id -3 "Failed reading %d bytes from file!" on the low 32 bits of the size: the file ended, or
+    ///         the system failed, and then with its text.
     void read(void* buffer, std::uint64_t size_bytes) override;
 
     /// Writes in one transfer; what is said of `read` holds here too.

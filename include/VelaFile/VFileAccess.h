@@ -38,10 +38,10 @@ public:
     /// Reads `length_bytes` bytes into `text`, in one `read`. With `all_ones` a 4-byte unsigned length
     /// comes first in the stream. A length of 0 empties `text` and reads nothing.
     ///
-    /// A length comes from a file and may lie. On a `VFile` it is held against the bytes that are left
-    /// before memory is taken, and the failure is that of the short read: "Failed reading %d bytes from
-    /// file!" on the length. On any other stream a text of more than 1 MiB is read in pieces of 1 MiB,
-    /// so memory grows only with the bytes that come.
+    /// A length comes from a file and may lie. On a `VFile` one above 64 KiB is held against the bytes that
+    /// are left before memory is taken, and the failure is that of the short read: "Failed reading %d bytes
+    /// from file!" on the length. On any other stream, and on a file that cannot tell what is left, such as a
+    /// pipe, a text of more than 1 MiB is read in pieces of 1 MiB: memory grows only with the bytes that come.
     ///
     /// @throws what `read` throws
     void read_str(std::string& text, std::uint64_t length_bytes);

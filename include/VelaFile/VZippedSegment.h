@@ -13,6 +13,7 @@ class VFile;
 namespace Vela {
 VELA_ABI_NAMESPACE_BEGIN
 class StreamCodec;
+enum class StreamFlush : std::int32_t;
 VELA_ABI_NAMESPACE_END
 }
 
@@ -30,8 +31,9 @@ VELA_ABI_NAMESPACE_END
 /// in between. How far a compressed segment reads ahead of what it gives is its own affair.
 ///
 /// Positions and sizes are in uncompressed bytes unless their name says file or disk.
-/// Memory: the file's chunk size and less than 1 MiB. After a failure of the compressed stream
-/// only `end()` and a new `init_r` or `init_w` are of use.
+/// Memory: at most the file's chunk size and 1 MiB, beside the flush table. After a failed `read` the
+/// position is where it was, and a further `read` or `seek` starts the stream anew; after a failed
+/// `write` only `end()` is of use.
 class VELA_API VZippedSegment : public VFileAccess
 {
 public:
@@ -82,8 +84,8 @@ public:
 
     /// Gives the table to a reader; a block size of 0 means that it is not used.
     ///
-    /// A table that does not ascend or leaves the stretch is not refused here: the first `seek` that
-    /// would use it fails. Reading from the start needs no table.
+    /// A bad table is not refused here: the first `seek` that would use it fails. Of a table that does not
+    /// ascend no entry is used, of one that leaves the stretch those within. Reading from the start needs none.
     ///
     /// @throws VelaError id -1 "Setting flush positions when writing.": the segment is not reading.
     void set_flush_positions(std::vector<std::uint64_t> new_positions, std::uint64_t block_size);
@@ -96,7 +98,9 @@ public:
     /// whenever it has to go back. The end is not a valid target.
     ///
     /// @throws VelaError id -1 "Trying to seek in write mode!"
-    /// @throws VelaError id -1 "Invalid position in segment!": the size is known and `target` is not below it.
+    /// @throws VelaError id -1 "Invalid position in segment!": the size is known and `target` is not below it, or
+    ///         no file position corresponds to it.
+    /// @throws VelaError id -1 "File not open!": not initialised.
     /// @throws VelaError id -4 "Invalid flush positions in segment!": see `set_flush_positions`.
     /// @throws VelaError as `read` does; the position is then wherever reading stopped.
     std::uint64_t seek(std::uint64_t target) override;
@@ -140,7 +144,8 @@ private:
     void read_compressed(unsigned char* dest, std::uint64_t count);
     bool finish_read(std::uint64_t out_left, bool ends_at_size, int code);
     void write_compressed(const unsigned char* data, std::uint64_t count);
-    void encode(const unsigned char* data, std::uint64_t count, int flush);
+    void encode(const unsigned char* data, std::uint64_t count, Vela::StreamFlush flush);
+    void jump_to(std::uint64_t target);
     void restart_at(std::uint64_t restart_pos, std::uint64_t restart_pos_file);
     void skip_to(std::uint64_t target);
 
@@ -152,7 +157,6 @@ private:
     bool writing = false;
     std::uint64_t beg_pos_file = 0;
     std::uint64_t cur_pos_file = 0;
-    std::int32_t level = 0;
     /// Not filled when allocated, unlike a vector: a page that no byte needs is never touched.
     std::unique_ptr<unsigned char[]> buffer;
     std::uint32_t buffer_size = 0;
@@ -163,4 +167,6 @@ private:
     std::uint64_t flush_block_size = 0;
     std::vector<std::uint64_t> flush_positions;
     bool flush_positions_ascend = true;
+    /// A read failed: the stream no longer stands at `pos`.
+    bool stream_lost = false;
 };

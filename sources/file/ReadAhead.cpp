@@ -21,12 +21,12 @@ ReadAhead::ReadAhead(VFile& in_file) : file(in_file), position(in_file.tell()), 
 
 std::uint64_t ReadAhead::seek(std::uint64_t pos)
 {
-    if (pos >= buffer_begin && pos < buffer_end)
+    if (pos >= buffer_begin && pos <= buffer_end)
         return position = pos;
     const std::uint64_t reached = file.seek(pos);
-    if (reached == all_ones)
-        return all_ones;
-    return position = buffer_begin = buffer_end = reached;
+    if (reached != all_ones)
+        stand_at(reached);
+    return reached;
 }
 
 std::uint64_t ReadAhead::bytes_left() const
@@ -41,17 +41,23 @@ void ReadAhead::read(void* buffer, std::uint64_t size_bytes)
     if (size_bytes > bytes_left())
         throw_file_too_short(size_bytes);
     auto* out = static_cast<unsigned char*>(buffer);
+    const std::uint64_t field_end = position + size_bytes;
     while (size_bytes > 0)
     {
         if (buffered() == 0 && (size_bytes >= capacity || end == all_ones))
         {
             file.read(out, size_bytes);
-            position += size_bytes;
-            buffer_begin = buffer_end = position;
-            return;
+            return stand_at(field_end);
         }
-        if (buffered() == 0)
-            fill();
+        if (buffered() == 0 && !fill())
+        {
+            // Something behind the field may be what cannot be read, and the field itself has to be named if not.
+            auto* const field = static_cast<unsigned char*>(buffer);
+            size_bytes += static_cast<std::uint64_t>(out - field);
+            file.seek(field_end - size_bytes);
+            file.read(field, size_bytes);
+            return stand_at(field_end);
+        }
         const std::uint64_t step = std::min(size_bytes, buffered());
         std::memcpy(out, bytes.data() + (position - buffer_begin), step);
         position += step;
@@ -60,12 +66,25 @@ void ReadAhead::read(void* buffer, std::uint64_t size_bytes)
     }
 }
 
-void ReadAhead::fill()
+bool ReadAhead::fill()
 {
     const std::uint64_t count = std::min(capacity, bytes_left());
-    file.read(bytes.data(), count);
+    try
+    {
+        file.read(bytes.data(), count);
+    }
+    catch (const VelaError&)
+    {
+        return false;
+    }
     buffer_begin = position;
     buffer_end = position + count;
+    return true;
+}
+
+void ReadAhead::stand_at(std::uint64_t file_position)
+{
+    position = buffer_begin = buffer_end = file_position;
 }
 
 void ReadAhead::write(const void*, std::uint64_t)

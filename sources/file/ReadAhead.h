@@ -32,18 +32,23 @@ public:
 
     std::uint64_t bytes_left() const override;
 
+    /// Size of the file, `all_ones` where it cannot be known.
+    std::uint64_t file_size() const { return end; }
+
     void sync();
 
 private:
     std::uint64_t buffered() const { return buffer_end - position; }
-    void fill();
+    /// Reads the next bytes of the file into the buffer; false when the file does not give them.
+    bool fill();
+    void stand_at(std::uint64_t file_position);
 
-    /// A stack header with its texts mostly fits, and reading a page costs no more than reading 368 bytes.
+    /// A stack header with its texts mostly fits, and it is one page of the system's cache.
     static constexpr std::uint64_t capacity = 4096;
 
     VFile& file;
     std::uint64_t position;
-    /// Size of the file; `all_ones` where it cannot be known, as on a pipe. Then nothing is read ahead.
+    /// Size of the file. Where it cannot be known, as on a pipe, nothing is read ahead.
     std::uint64_t end;
     /// File positions of what `bytes` holds. The file itself stands at `buffer_end`.
     std::uint64_t buffer_begin;

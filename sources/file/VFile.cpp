@@ -5,11 +5,12 @@
 #include "sources/file/file_errors.h"
 #include "sources/platform/platform.h"
 
+#include <string>
+
 namespace platform = Vela::platform;
 
 namespace {
 
-constexpr const char* read_failure = "Failed reading %d bytes from file!";
 constexpr VFile::mode closed = static_cast<VFile::mode>(-1);
 
 [[noreturn]] void throw_not_open(const char* function, int line)
@@ -22,16 +23,28 @@ constexpr VFile::mode closed = static_cast<VFile::mode>(-1);
     throw VelaError(function, __FILE__, line)("File already open or attached!")(-1);
 }
 
+/// The path in UTF-8. Empty, which names no file, where it has no such form: what is left of the text after the
+/// conversion dropped characters could name another file.
+std::string system_path(const VPropstring& path)
+{
+    std::string narrow = path.to(VPropstring::enc_utf8);
+    if (VPropstring(narrow, VPropstring::enc_utf8) != path)
+        narrow.clear();
+    return narrow;
+}
+
 } // namespace
 
 void Vela::detail::throw_read_failure(std::uint64_t size_bytes)
 {
-    throw VelaError("VFile::read", __FILE__, __LINE__).do_oserr()(read_failure, low_bits(size_bytes))(-3);
+    throw VelaError("VFile::read", __FILE__, __LINE__)
+        .do_oserr()("Failed reading %d bytes from file!", low_bits(size_bytes))(-3);
 }
 
 void Vela::detail::throw_file_too_short(std::uint64_t size_bytes)
 {
-    throw VelaError("VFile::read", __FILE__, __LINE__)(read_failure, low_bits(size_bytes))(-3);
+    platform::clear_last_error();
+    throw_read_failure(size_bytes);
 }
 
 VFile::VFile() = default;
@@ -57,7 +70,7 @@ void VFile::open(const VPropstring& path, mode open_mode)
     const auto access = open_mode == read_mode ? platform::Access::read : platform::Access::read_write;
     const auto creation =
         open_mode == write_mode ? platform::Creation::create_or_truncate : platform::Creation::open_existing;
-    void* const new_handle = platform::open_exclusive(path.to(VPropstring::enc_utf8), access, creation);
+    void* const new_handle = platform::open_exclusive(system_path(path), access, creation);
     if (new_handle == nullptr)
         throw VelaError("VFile::open", __FILE__, __LINE__)("Could not open file!");
     handle = new_handle;
@@ -114,7 +127,7 @@ void VFile::read(void* buffer, std::uint64_t size_bytes)
 {
     if (handle == nullptr)
         throw_not_open("VFile::read", __LINE__);
-    if (platform::read(handle, buffer, static_cast<std::uint32_t>(size_bytes)).moved != size_bytes)
+    if (platform::read(handle, buffer, static_cast<std::uint32_t>(size_bytes)) != size_bytes)
         Vela::detail::throw_read_failure(size_bytes);
 }
 
@@ -122,13 +135,13 @@ void VFile::write(const void* buffer, std::uint64_t size_bytes)
 {
     if (handle == nullptr)
         throw_not_open("VFile::write", __LINE__);
-    if (platform::write(handle, buffer, static_cast<std::uint32_t>(size_bytes)).moved != size_bytes)
+    if (platform::write(handle, buffer, static_cast<std::uint32_t>(size_bytes)) != size_bytes)
         throw VelaError("VFile::write", __FILE__, __LINE__)
             .do_oserr()("Failed writing %d bytes to file!", Vela::detail::low_bits(size_bytes))(-3);
 }
 
 void VFile::remove(const VPropstring& path)
 {
-    if (!platform::remove_file(path.to(VPropstring::enc_utf8)))
+    if (!platform::remove_file(system_path(path)))
         throw VelaError("VFile::remove", __FILE__, __LINE__).do_oserr()("Could not remove file.");
 }

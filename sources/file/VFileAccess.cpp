@@ -18,7 +18,7 @@ constexpr std::uint64_t trusted_length = 64 * 1024;
 /// How much is taken at once from a stream that cannot say what it has.
 constexpr std::uint64_t piece_length = 1024 * 1024;
 
-/// Bytes behind the position of a file; all of them where the system does not say.
+/// Bytes behind the position of a file, `all_ones` where the system does not say.
 std::uint64_t bytes_left(VFile& file)
 {
     const std::uint64_t position = file.tell();
@@ -71,9 +71,11 @@ void VFileAccess::read_str(std::string& text, std::uint64_t length_bytes)
     {
         const auto* const bounded = dynamic_cast<Vela::detail::BoundedStream*>(this);
         auto* const file = dynamic_cast<VFile*>(this);
-        if (bounded == nullptr && file == nullptr)
+        const std::uint64_t left =
+            bounded != nullptr ? bounded->bytes_left() : file != nullptr ? bytes_left(*file) : all_ones;
+        if (left == all_ones)
             return read_in_pieces(*this, text, length_bytes);
-        if (length_bytes > (bounded != nullptr ? bounded->bytes_left() : bytes_left(*file)))
+        if (length_bytes > left)
             Vela::detail::throw_file_too_short(length_bytes);
     }
     text.resize(length_bytes);

@@ -2,14 +2,15 @@
 //
 // A reader holds one window of compressed input. `held_begin` moves through it as inflate takes bytes, so
 // nothing is shifted from call to call, and the next window is read when the last byte of this one is
-// taken. Giving the input away in windows of 64 KiB costs nothing measurable against windows of a chunk
-// (4 MiB), and a jump to a flush point reads that much less.
+// taken. A window is 64 KiB, not a chunk of 4 MiB, so that a jump to a flush point reads no more than that beyond
+// what it needs; docs/performance.md has the figures of reading front to back.
 
 #include <VelaFile/VZippedSegment.h>
 
 #include <VelaBase/VelaError.h>
 #include <VelaFile/VFile.h>
 
+#include "sources/file/file_errors.h"
 #include "sources/file/stream_codec.h"
 
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include <utility>
 
 using Vela::StreamCodec;
+using Vela::StreamFlush;
 
 namespace {
 
@@ -80,7 +82,6 @@ void VZippedSegment::initialize(VFile& in_file, int new_level, std::uint64_t sta
     file = &in_file;
     size = new_size;
     length_on_disk = new_length_on_disk;
-    level = new_level;
     writing = is_writing;
     pos = 0;
     held = 0;
@@ -104,6 +105,7 @@ void VZippedSegment::end()
     flush_block_size = 0;
     std::vector<std::uint64_t>().swap(flush_positions);
     flush_positions_ascend = true;
+    stream_lost = false;
     file = nullptr;
 }
 
@@ -139,9 +141,9 @@ void VZippedSegment::set_flush_positions(std::vector<std::uint64_t> new_position
     flush_positions = std::move(new_positions);
     flush_block_size = block_size;
     // Of a table that does not ascend no entry can be trusted: each could be that of another block.
-    const bool ascend = std::ranges::adjacent_find(flush_positions, std::greater_equal<>()) == flush_positions.end();
     flush_positions_ascend =
-        ascend && (flush_positions.empty() || (flush_positions.front() > 0 && flush_positions.back() < length_on_disk));
+        std::ranges::adjacent_find(flush_positions, std::greater_equal<>()) == flush_positions.end() &&
+        (flush_positions.empty() || flush_positions.front() > 0);
 }
 
 void VZippedSegment::require_file(const char* function, int source_line) const
@@ -162,7 +164,10 @@ void VZippedSegment::read(void* dest, std::uint64_t count)
     if (size != all_ones && (pos > size || count > size - pos))
         throw_beyond_boundary(__LINE__);
     require_file("VZippedSegment::read", __LINE__);
-    file->seek(cur_pos_file);
+    // Reading wherever the file happens to stand would give wrong samples.
+    if (file->seek(cur_pos_file) == all_ones)
+        throw VelaError("VZippedSegment::read", __FILE__, __LINE__)
+            .do_oserr()("Failed reading %d bytes from file!", Vela::detail::low_bits(count))(-3);
     if (count == 0)
         return;
     if (stream != nullptr)
@@ -183,6 +188,9 @@ void VZippedSegment::refill()
 
 void VZippedSegment::read_compressed(unsigned char* dest, std::uint64_t count)
 {
+    if (stream_lost)
+        jump_to(pos);
+    stream_lost = true; // unless this read comes to its end
     const bool ends_at_size = size != all_ones && count == size - pos;
     std::uint64_t out_left = count;
     bool done = false;
@@ -193,13 +201,14 @@ void VZippedSegment::read_compressed(unsigned char* dest, std::uint64_t count)
             refill();
         const auto step = stream->run(buffer.get() + held_begin, held, dest,
                                       std::min<std::uint64_t>(out_left, StreamCodec::max_step),
-                                      StreamCodec::Flush::none);
+                                      StreamFlush::none);
         held_begin += static_cast<std::uint32_t>(step.consumed);
         held -= static_cast<std::uint32_t>(step.consumed);
         dest += step.produced;
         out_left -= step.produced;
         done = finish_read(out_left, ends_at_size, step.code);
     }
+    stream_lost = false;
     pos += count;
 }
 
@@ -235,7 +244,9 @@ void VZippedSegment::write(const void* data, std::uint64_t count)
     if (size != all_ones && (pos > size || count > size - pos))
         throw VelaError("VZippedSegment::write", __FILE__, __LINE__)("Trying to write beyond segment boundary!")(-1);
     require_file("VZippedSegment::write", __LINE__);
-    file->seek(cur_pos_file);
+    if (file->seek(cur_pos_file) == all_ones)
+        throw VelaError("VZippedSegment::write", __FILE__, __LINE__)
+            .do_oserr()("Failed writing %d bytes to file!", Vela::detail::low_bits(count))(-3);
     if (stream != nullptr)
         return write_compressed(static_cast<const unsigned char*>(data), count);
     if (count == 0)
@@ -250,22 +261,22 @@ void VZippedSegment::write_compressed(const unsigned char* data, std::uint64_t c
     if (count > StreamCodec::max_step)
         throw VelaError("VZippedSegment::write", __FILE__, __LINE__)("Zlib cannot handle chunks larger than 4GB");
     if (data == nullptr)
-        return encode(nullptr, 0, static_cast<int>(StreamCodec::Flush::finish));
+        return encode(nullptr, 0, StreamFlush::finish);
     while (count > 0)
     {
         std::uint64_t pass = count;
-        auto flush = StreamCodec::Flush::none;
+        auto flush = StreamFlush::none;
         if (flush_block_size != 0)
         {
             const std::uint64_t left_in_block = flush_block_size - pos % flush_block_size;
             if (count >= left_in_block)
             {
                 pass = left_in_block;
-                flush = StreamCodec::Flush::full;
+                flush = StreamFlush::full;
             }
         }
-        encode(data, pass, static_cast<int>(flush));
-        if (flush == StreamCodec::Flush::full)
+        encode(data, pass, flush);
+        if (flush == StreamFlush::full)
             flush_positions.push_back(cur_pos_file - beg_pos_file);
         pos += pass;
         data += pass;
@@ -274,23 +285,22 @@ void VZippedSegment::write_compressed(const unsigned char* data, std::uint64_t c
 }
 
 /// Compresses `count` bytes and writes whatever comes of them.
-void VZippedSegment::encode(const unsigned char* data, std::uint64_t count, int flush)
+void VZippedSegment::encode(const unsigned char* data, std::uint64_t count, StreamFlush flush)
 {
-    const auto mode = static_cast<StreamCodec::Flush>(flush);
     for (;;)
     {
-        const auto step = stream->run(data, count, buffer.get(), buffer_size, mode);
+        const auto step = stream->run(data, count, buffer.get(), buffer_size, flush);
         data += step.consumed;
         count -= step.consumed;
         if (step.produced != 0)
             file->write(buffer.get(), step.produced);
         cur_pos_file += step.produced;
-        if (mode == StreamCodec::Flush::finish)
+        if (flush == StreamFlush::finish)
         {
             if (step.code == StreamCodec::stream_end)
                 return;
         }
-        else if (count == 0 && (mode == StreamCodec::Flush::none || step.produced < buffer_size))
+        else if (count == 0 && (flush == StreamFlush::none || step.produced < buffer_size))
             return;
         if (step.code != StreamCodec::ok)
             throw VelaError("VZippedSegment::write", __FILE__, __LINE__)("Zip error (id: %d)!", step.code)(-10);
@@ -303,20 +313,28 @@ std::uint64_t VZippedSegment::seek(std::uint64_t target)
         throw VelaError("VZippedSegment::seek", __FILE__, __LINE__)("Trying to seek in write mode!")(-1);
     if (size != all_ones && target >= size)
         throw VelaError("VZippedSegment::seek", __FILE__, __LINE__)("Invalid position in segment!")(-1);
-    if (target == pos)
+    if (target == pos && !stream_lost)
         return pos;
     require_file("VZippedSegment::seek", __LINE__);
-    if (stream == nullptr)
+    if (stream != nullptr)
     {
-        pos = target;
-        cur_pos_file = beg_pos_file + target;
-        held = 0;
+        jump_to(target);
         return pos;
     }
+    if (target >= all_ones - beg_pos_file)
+        throw VelaError("VZippedSegment::seek", __FILE__, __LINE__)("Invalid position in segment!")(-1);
+    pos = target;
+    cur_pos_file = beg_pos_file + target;
+    return pos;
+}
 
+/// Restarts at the last flush point at or below `target`, or at the beginning where needed, and skips the rest.
+void VZippedSegment::jump_to(std::uint64_t target)
+{
     std::uint64_t restart_pos = pos;
     std::uint64_t restart_pos_file = cur_pos_file;
-    if (target < pos)
+    const bool restart = target < pos || stream_lost;
+    if (restart)
     {
         restart_pos = 0;
         restart_pos_file = beg_pos_file;
@@ -325,16 +343,16 @@ std::uint64_t VZippedSegment::seek(std::uint64_t target)
         flush_block_size == 0 ? 0 : std::min<std::uint64_t>(target / flush_block_size, flush_positions.size());
     if (index > 0)
     {
-        if (!flush_positions_ascend)
+        const std::uint64_t flush_position = flush_positions[static_cast<std::size_t>(index - 1)];
+        if (!flush_positions_ascend || flush_position >= length_on_disk)
             throw VelaError("VZippedSegment::seek", __FILE__, __LINE__)("Invalid flush positions in segment!")(-4);
         // Taken even where reading on would be shorter.
         restart_pos = flush_block_size * index;
-        restart_pos_file = beg_pos_file + flush_positions[static_cast<std::size_t>(index - 1)];
+        restart_pos_file = beg_pos_file + flush_position;
     }
-    if (restart_pos != pos)
+    if (restart || restart_pos != pos)
         restart_at(restart_pos, restart_pos_file);
     skip_to(target);
-    return pos;
 }
 
 void VZippedSegment::restart_at(std::uint64_t restart_pos, std::uint64_t restart_pos_file)
@@ -343,6 +361,7 @@ void VZippedSegment::restart_at(std::uint64_t restart_pos, std::uint64_t restart
     pos = restart_pos;
     cur_pos_file = restart_pos_file;
     held = 0;
+    stream_lost = false;
 }
 
 void VZippedSegment::skip_to(std::uint64_t target)

@@ -9,7 +9,7 @@ namespace Vela::detail {
 class BoundedStream
 {
 public:
-    /// Bytes behind the current position.
+    /// Bytes behind the current position, all bits set where that is not known.
     virtual std::uint64_t bytes_left() const = 0;
 
 protected:

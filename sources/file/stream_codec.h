@@ -6,22 +6,23 @@
 #include <VelaBase/export.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace Vela {
 VELA_ABI_NAMESPACE_BEGIN
 
+enum class StreamFlush : std::int32_t
+{
+    none,   ///< Z_NO_FLUSH when writing; a reader always passes this
+    full,   ///< Z_FULL_FLUSH
+    finish, ///< Z_FINISH
+};
+
 /// One stream in progress, in one direction.
 class StreamCodec
 {
 public:
-    enum class Flush
-    {
-        none,   ///< Z_NO_FLUSH when writing; a reader always passes this
-        full,   ///< Z_FULL_FLUSH
-        finish, ///< Z_FINISH
-    };
-
     /// Codes of zlib that the segment tells apart; any other is a failure.
     enum Code : int
     {
@@ -43,7 +44,7 @@ public:
     virtual ~StreamCodec() = default;
 
     virtual Step run(const unsigned char* in, std::size_t in_size, unsigned char* out, std::size_t out_size,
-                     Flush flush) = 0;
+                     StreamFlush flush) = 0;
 
     /// Starts anew at the head of a zlib stream or, with `raw`, at a flush point inside of one. Readers only.
     virtual void restart(bool raw) = 0;

@@ -36,9 +36,9 @@ public:
     ~ZlibEncoder() override { deflateEnd(&stream); }
 
     Step run(const unsigned char* in, std::size_t in_size, unsigned char* out, std::size_t out_size,
-             Flush flush) override
+             StreamFlush flush) override
     {
-        const int mode = flush == Flush::none ? Z_NO_FLUSH : flush == Flush::full ? Z_FULL_FLUSH : Z_FINISH;
+        const int mode = flush == StreamFlush::none ? Z_NO_FLUSH : flush == StreamFlush::full ? Z_FULL_FLUSH : Z_FINISH;
         return step(stream, in, in_size, out, out_size, [mode](z_stream* s) { return deflate(s, mode); });
     }
 
@@ -56,7 +56,7 @@ public:
     ZlibDecoder& operator=(const ZlibDecoder&) = delete;
     ~ZlibDecoder() override { inflateEnd(&stream); }
 
-    Step run(const unsigned char* in, std::size_t in_size, unsigned char* out, std::size_t out_size, Flush) override
+    Step run(const unsigned char* in, std::size_t in_size, unsigned char* out, std::size_t out_size, StreamFlush) override
     {
         return step(stream, in, in_size, out, out_size, [](z_stream* s) { return inflate(s, Z_SYNC_FLUSH); });
     }

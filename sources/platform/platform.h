@@ -28,13 +28,6 @@ enum class Origin
     end,
 };
 
-/// What one transfer moved. It was whole when `moved` is the size asked for; otherwise the last system
-/// error is 0 where the file simply ended and the system's code where a call failed.
-struct Transfer
-{
-    std::uint64_t moved;
-};
-
 /// A handle is the descriptor + 1, null when there is none.
 void* handle_of_descriptor(int descriptor);
 int descriptor_of_handle(void* handle);
@@ -43,9 +36,10 @@ int descriptor_of_handle(void* handle);
 /// A file that exists is cut to nothing only after the lock is held.
 void* open_exclusive(const std::string& path, Access access, Creation creation);
 
-/// One transfer: continues over short system calls and interruptions until done, end of file or failure.
-Transfer read(void* handle, void* buffer, std::uint32_t size_bytes);
-Transfer write(void* handle, const void* buffer, std::uint32_t size_bytes);
+/// One transfer: continues over short system calls and interruptions until done, end of file or failure. Gives the
+/// bytes moved. The last system error is then that of the call that failed, and 0 where none did.
+std::uint64_t read(void* handle, void* buffer, std::uint32_t size_bytes);
+std::uint64_t write(void* handle, const void* buffer, std::uint32_t size_bytes);
 
 /// Moves the file position and returns the new one, all bits set where the system refuses.
 std::uint64_t move(void* handle, std::int64_t offset, Origin origin);
@@ -57,6 +51,7 @@ bool remove_file(const std::string& path);
 
 /// The calling thread's last system error code.
 int last_error();
+void clear_last_error();
 
 /// The system's text for a code, without a line break and independent of the locale. Null for an unknown code.
 const char* error_text(int code);

@@ -66,10 +66,11 @@ bool prepare(int descriptor, Creation creation)
     return true;
 }
 
-/// Calls `transfer(done, size)` until `size_bytes` are moved, it gives 0 (end of file) or fails.
+/// Calls `call(done, size)` until `size_bytes` are moved, it gives 0 (end of file) or fails.
 template <class SystemCall>
-Transfer transfer(std::uint32_t size_bytes, SystemCall call)
+std::uint64_t transfer(std::uint32_t size_bytes, SystemCall call)
 {
+    errno = 0; // unless a call fails, nothing of an earlier failure is to be seen
     std::uint64_t moved = 0;
     while (moved < size_bytes)
     {
@@ -78,13 +79,10 @@ Transfer transfer(std::uint32_t size_bytes, SystemCall call)
         if (count < 0)
             break;
         if (count == 0)
-        {
-            errno = 0; // the end of the file is no failure of the system
             break;
-        }
         moved += static_cast<std::uint64_t>(count);
     }
-    return {moved};
+    return moved;
 }
 
 } // namespace
@@ -118,14 +116,14 @@ void* open_exclusive(const std::string& path, Access access, Creation creation)
     return handle_of_descriptor(descriptor);
 }
 
-Transfer read(void* handle, void* buffer, std::uint32_t size_bytes)
+std::uint64_t read(void* handle, void* buffer, std::uint32_t size_bytes)
 {
     const int descriptor = descriptor_of_handle(handle);
     return transfer(size_bytes, [&](std::uint64_t done, std::size_t step)
                     { return ::read(descriptor, static_cast<char*>(buffer) + done, step); });
 }
 
-Transfer write(void* handle, const void* buffer, std::uint32_t size_bytes)
+std::uint64_t write(void* handle, const void* buffer, std::uint32_t size_bytes)
 {
     const int descriptor = descriptor_of_handle(handle);
     return transfer(size_bytes, [&](std::uint64_t done, std::size_t step)
@@ -158,6 +156,11 @@ bool remove_file(const std::string& path)
 int last_error()
 {
     return errno;
+}
+
+void clear_last_error()
+{
+    errno = 0;
 }
 
 const char* error_text(int code)
