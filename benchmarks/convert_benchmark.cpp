@@ -100,18 +100,18 @@ void add_pair(vela_dt from, vela_dt to)
     const std::size_t traffic = count * (size_of(from) + size_of(to));
     const std::string pair = std::string(vela_dt_get_name(from)) + " to " + vela_dt_get_name(to);
     add_copy("copy " + pair, traffic);
-    benchmark::RegisterBenchmark(("baseline " + pair).c_str(),
-                                 [=](benchmark::State& state)
-                                 {
-                                     fill_source(from, count);
-                                     const auto loop = Vela::detail::convert_tables_baseline.scalar[table_index(from)]
-                                                                                                   [table_index(to)];
-                                     for (auto step : state)
-                                     {
-                                         loop(buffers().source.data(), buffers().target.data(), count);
-                                         benchmark::ClobberMemory();
-                                     }
-                                 });
+    benchmark::RegisterBenchmark(
+        ("baseline " + pair).c_str(),
+        [=](benchmark::State& state)
+        {
+            fill_source(from, count);
+            const auto loop = Vela::detail::convert_tables_baseline.scalar[table_index(from)][table_index(to)];
+            for (auto step : state)
+            {
+                loop(buffers().source.data(), buffers().target.data(), count);
+                benchmark::ClobberMemory();
+            }
+        });
     benchmark::RegisterBenchmark(("chosen " + pair).c_str(),
                                  [=](benchmark::State& state)
                                  {
@@ -142,44 +142,42 @@ void add_complex(vela_dt from, vela_dt to)
     for (const bool baseline : {true, false})
     {
         const std::string prefix = baseline ? "baseline " : "chosen ";
-        benchmark::RegisterBenchmark((prefix + "split " + names).c_str(),
-                                     [=](benchmark::State& state)
-                                     {
-                                         fill_source(from, 2 * count);
-                                         unsigned char* const source = buffers().source.data();
-                                         unsigned char* const target = buffers().target.data();
-                                         unsigned char* const imag = buffers().imag.data();
-                                         for (auto step : state)
-                                         {
-                                             if (baseline)
-                                                 Vela::detail::convert_tables_baseline
-                                                     .split[table_index(from)][table_index(to)](source, target, imag,
-                                                                                                count);
-                                             else
-                                                 vela_dt_convert(from_id | flag, to_id, source, target, count, nullptr,
-                                                                 imag);
-                                             benchmark::ClobberMemory();
-                                         }
-                                     });
-        benchmark::RegisterBenchmark((prefix + "join " + names).c_str(),
-                                     [=](benchmark::State& state)
-                                     {
-                                         fill_source(from, 2 * count);
-                                         unsigned char* const source = buffers().source.data();
-                                         unsigned char* const target = buffers().target.data();
-                                         const unsigned char* const imag = source + chunk_bytes;
-                                         for (auto step : state)
-                                         {
-                                             if (baseline)
-                                                 Vela::detail::convert_tables_baseline
-                                                     .join[table_index(from)][table_index(to)](source, imag, target,
-                                                                                               count);
-                                             else
-                                                 vela_dt_convert(from_id, to_id | flag, source, target, count, imag,
-                                                                 nullptr);
-                                             benchmark::ClobberMemory();
-                                         }
-                                     });
+        benchmark::RegisterBenchmark(
+            (prefix + "split " + names).c_str(),
+            [=](benchmark::State& state)
+            {
+                fill_source(from, 2 * count);
+                unsigned char* const source = buffers().source.data();
+                unsigned char* const target = buffers().target.data();
+                unsigned char* const imag = buffers().imag.data();
+                for (auto step : state)
+                {
+                    if (baseline)
+                        Vela::detail::convert_tables_baseline.split[table_index(from)][table_index(to)](source, target,
+                                                                                                        imag, count);
+                    else
+                        vela_dt_convert(from_id | flag, to_id, source, target, count, nullptr, imag);
+                    benchmark::ClobberMemory();
+                }
+            });
+        benchmark::RegisterBenchmark(
+            (prefix + "join " + names).c_str(),
+            [=](benchmark::State& state)
+            {
+                fill_source(from, 2 * count);
+                unsigned char* const source = buffers().source.data();
+                unsigned char* const target = buffers().target.data();
+                const unsigned char* const imag = source + chunk_bytes;
+                for (auto step : state)
+                {
+                    if (baseline)
+                        Vela::detail::convert_tables_baseline.join[table_index(from)][table_index(to)](source, imag,
+                                                                                                       target, count);
+                    else
+                        vela_dt_convert(from_id, to_id | flag, source, target, count, imag, nullptr);
+                    benchmark::ClobberMemory();
+                }
+            });
         const double limit = baseline || (to == vela_dt_double && from != to) ? 0.80 : 0.90;
         vela_bench::expect_ratio(prefix + "split " + names, prefix + "split " + names, "copy split/join " + names,
                                  limit);

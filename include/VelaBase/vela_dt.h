@@ -46,8 +46,7 @@ struct _s_vela_RGB
     /// All bytes 0.
     constexpr _s_vela_RGB() = default;
 
-    constexpr _s_vela_RGB(std::uint8_t byte_0, std::uint8_t byte_1, std::uint8_t byte_2)
-        : bytes{byte_0, byte_1, byte_2}
+    constexpr _s_vela_RGB(std::uint8_t byte_0, std::uint8_t byte_1, std::uint8_t byte_2) : bytes{byte_0, byte_1, byte_2}
     {
     }
 

@@ -35,10 +35,10 @@ extern "C" {
 ///   target's precision when its top bit was set, so a value may be rounded twice;
 /// - a scalar becomes the real part of a complex sample, the imaginary part is 0;
 /// - 0x400 to 0x800 packs and 0x800 to 0x400 unpacks, as `_s_vela_RGB` does.
-/// The result is the same on every processor.
+/// The result is the same on every processor, but for the payload of a NaN that changes its width.
 ///
-/// `source`, `target` and the imaginary buffers need no alignment beyond that of bytes. They must
-/// not overlap. `count` 0 is fine, also with null buffers.
+/// The buffers need no alignment beyond that of bytes. An output must not overlap any other buffer;
+/// the two inputs of a join may. `count` 0 is fine, also with null buffers.
 ///
 /// @returns 0 when done; -1 when the combination is not supported, and then nothing was written.
 VELA_API int vela_dt_convert(std::uint32_t source_dt, std::uint32_t target_dt, const void* source, void* target,

@@ -67,9 +67,9 @@ VelaError::VelaError(const std::string& in_msg, const char* in_func, const char*
 }
 
 VelaError::VelaError(const VelaError& other)
-    : std::exception(other), file(nullptr), func(nullptr), line(other.line), id(other.id),
-      oserr_id(other.oserr_id), msg(other.msg), oserr(other.oserr), warn(other.warn),
-      process_on_destroy(other.process_on_destroy), thread_id(other.thread_id)
+    : std::exception(other), file(nullptr), func(nullptr), line(other.line), id(other.id), oserr_id(other.oserr_id),
+      msg(other.msg), oserr(other.oserr), warn(other.warn), process_on_destroy(other.process_on_destroy),
+      thread_id(other.thread_id)
 {
     copy_place(other);
 }

@@ -71,8 +71,9 @@ void VFileAccess::read_str(std::string& text, std::uint64_t length_bytes)
     {
         const auto* const bounded = dynamic_cast<Vela::detail::BoundedStream*>(this);
         auto* const file = dynamic_cast<VFile*>(this);
-        const std::uint64_t left =
-            bounded != nullptr ? bounded->bytes_left() : file != nullptr ? bytes_left(*file) : all_ones;
+        const std::uint64_t left = bounded != nullptr ? bounded->bytes_left()
+                                   : file != nullptr  ? bytes_left(*file)
+                                                      : all_ones;
         if (left == all_ones)
             return read_in_pieces(*this, text, length_bytes);
         if (length_bytes > left)

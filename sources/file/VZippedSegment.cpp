@@ -200,8 +200,7 @@ void VZippedSegment::read_compressed(unsigned char* dest, std::uint64_t count)
         if (held == 0 && left_on_disk() > 0)
             refill();
         const auto step = stream->run(buffer.get() + held_begin, held, dest,
-                                      std::min<std::uint64_t>(out_left, StreamCodec::max_step),
-                                      StreamFlush::none);
+                                      std::min<std::uint64_t>(out_left, StreamCodec::max_step), StreamFlush::none);
         held_begin += static_cast<std::uint32_t>(step.consumed);
         held -= static_cast<std::uint32_t>(step.consumed);
         dest += step.produced;

@@ -26,9 +26,9 @@ public:
     /// Codes of zlib that the segment tells apart; any other is a failure.
     enum Code : int
     {
-        ok = 0,            ///< Z_OK
-        stream_end = 1,    ///< Z_STREAM_END
-        no_progress = -5,  ///< Z_BUF_ERROR
+        ok = 0,           ///< Z_OK
+        stream_end = 1,   ///< Z_STREAM_END
+        no_progress = -5, ///< Z_BUF_ERROR
     };
 
     struct Step

@@ -56,7 +56,8 @@ public:
     ZlibDecoder& operator=(const ZlibDecoder&) = delete;
     ~ZlibDecoder() override { inflateEnd(&stream); }
 
-    Step run(const unsigned char* in, std::size_t in_size, unsigned char* out, std::size_t out_size, StreamFlush) override
+    Step run(const unsigned char* in, std::size_t in_size, unsigned char* out, std::size_t out_size,
+             StreamFlush) override
     {
         return step(stream, in, in_size, out, out_size, [](z_stream* s) { return inflate(s, Z_SYNC_FLUSH); });
     }

@@ -69,76 +69,86 @@ TEST_P(GoldenSamplesTest, TheSizesAndTheTypeGiveTheSizeInBytes)
 
 TEST_P(GoldenSamplesTest, AllSamplesInOneRead)
 {
-    for_each_stack_with_data([](StackReader& reader, std::size_t i, const nlohmann::json& expected) {
-        VZippedSegment segment;
-        reader.start(segment, i);
-        const Bytes samples = read_bytes(segment, reader.size_bytes(i));
-        EXPECT_EQ(sha256(samples), expected.at("samples_sha256").get<std::string>());
-    });
+    for_each_stack_with_data(
+        [](StackReader& reader, std::size_t i, const nlohmann::json& expected)
+        {
+            VZippedSegment segment;
+            reader.start(segment, i);
+            const Bytes samples = read_bytes(segment, reader.size_bytes(i));
+            EXPECT_EQ(sha256(samples), expected.at("samples_sha256").get<std::string>());
+        });
 }
 
 TEST_P(GoldenSamplesTest, AllSamplesInUnevenPieces)
 {
-    for_each_stack_with_data([](StackReader& reader, std::size_t i, const nlohmann::json& expected) {
-        VZippedSegment segment;
-        reader.start(segment, i);
-        Bytes samples;
-        for (std::uint64_t piece = 1; samples.size() < reader.size_bytes(i); piece = piece * 2 + 1)
+    for_each_stack_with_data(
+        [](StackReader& reader, std::size_t i, const nlohmann::json& expected)
         {
-            const Bytes next = read_bytes(segment, std::min(piece, reader.size_bytes(i) - samples.size()));
-            samples.insert(samples.end(), next.begin(), next.end());
-        }
-        EXPECT_EQ(sha256(samples), expected.at("samples_sha256").get<std::string>());
-    });
+            VZippedSegment segment;
+            reader.start(segment, i);
+            Bytes samples;
+            for (std::uint64_t piece = 1; samples.size() < reader.size_bytes(i); piece = piece * 2 + 1)
+            {
+                const Bytes next = read_bytes(segment, std::min(piece, reader.size_bytes(i) - samples.size()));
+                samples.insert(samples.end(), next.begin(), next.end());
+            }
+            EXPECT_EQ(sha256(samples), expected.at("samples_sha256").get<std::string>());
+        });
 }
 
 TEST_P(GoldenSamplesTest, ProbesWithoutFlushPoints)
 {
-    for_each_stack_with_data([](StackReader& reader, std::size_t i, const nlohmann::json& expected) {
-        VZippedSegment segment;
-        reader.start(segment, i);
-        for (const nlohmann::json& probe : expected.at("probes"))
-            expect_probe(segment, reader.sample_size_bytes(i), probe);
-    });
+    for_each_stack_with_data(
+        [](StackReader& reader, std::size_t i, const nlohmann::json& expected)
+        {
+            VZippedSegment segment;
+            reader.start(segment, i);
+            for (const nlohmann::json& probe : expected.at("probes"))
+                expect_probe(segment, reader.sample_size_bytes(i), probe);
+        });
 }
 
 TEST_P(GoldenSamplesTest, ProbesWithFlushPoints)
 {
-    for_each_stack_with_data([](StackReader& reader, std::size_t i, const nlohmann::json& expected) {
-        VZippedSegment segment;
-        reader.start(segment, i);
-        segment.set_flush_positions(expected.at("flush_positions").get<std::vector<std::uint64_t>>(),
-                                    expected.at("flush_block_size").get<std::uint64_t>());
-        for (const nlohmann::json& probe : expected.at("probes"))
-            expect_probe(segment, reader.sample_size_bytes(i), probe);
-        // And back again, from the last to the first.
-        const nlohmann::json& probes = expected.at("probes");
-        for (std::size_t k = probes.size(); k-- > 0;)
-            expect_probe(segment, reader.sample_size_bytes(i), probes[k]);
-    });
+    for_each_stack_with_data(
+        [](StackReader& reader, std::size_t i, const nlohmann::json& expected)
+        {
+            VZippedSegment segment;
+            reader.start(segment, i);
+            segment.set_flush_positions(expected.at("flush_positions").get<std::vector<std::uint64_t>>(),
+                                        expected.at("flush_block_size").get<std::uint64_t>());
+            for (const nlohmann::json& probe : expected.at("probes"))
+                expect_probe(segment, reader.sample_size_bytes(i), probe);
+            // And back again, from the last to the first.
+            const nlohmann::json& probes = expected.at("probes");
+            for (std::size_t k = probes.size(); k-- > 0;)
+                expect_probe(segment, reader.sample_size_bytes(i), probes[k]);
+        });
 }
 
 TEST_P(GoldenSamplesTest, EachFlushPointContinuesTheSamples)
 {
-    for_each_stack_with_data([](StackReader& reader, std::size_t i, const nlohmann::json& expected) {
-        const std::uint64_t block_size = expected.at("flush_block_size").get<std::uint64_t>();
-        if (block_size == 0 || !reader.is_compressed(i))
-            return;
-        VZippedSegment whole;
-        reader.start(whole, i);
-        const Bytes samples = read_bytes(whole, reader.size_bytes(i));
-
-        VZippedSegment segment;
-        reader.start(segment, i);
-        segment.set_flush_positions(expected.at("flush_positions").get<std::vector<std::uint64_t>>(), block_size);
-        for (std::uint64_t point = block_size; point < samples.size(); point += block_size)
+    for_each_stack_with_data(
+        [](StackReader& reader, std::size_t i, const nlohmann::json& expected)
         {
-            const std::uint64_t size = std::min<std::uint64_t>(64, samples.size() - point);
-            segment.seek(point);
-            const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(point);
-            ASSERT_EQ(read_bytes(segment, size), Bytes(begin, begin + static_cast<std::ptrdiff_t>(size))) << point;
-        }
-    });
+            const std::uint64_t block_size = expected.at("flush_block_size").get<std::uint64_t>();
+            if (block_size == 0 || !reader.is_compressed(i))
+                return;
+            VZippedSegment whole;
+            reader.start(whole, i);
+            const Bytes samples = read_bytes(whole, reader.size_bytes(i));
+
+            VZippedSegment segment;
+            reader.start(segment, i);
+            segment.set_flush_positions(expected.at("flush_positions").get<std::vector<std::uint64_t>>(), block_size);
+            for (std::uint64_t point = block_size; point < samples.size(); point += block_size)
+            {
+                const std::uint64_t size = std::min<std::uint64_t>(64, samples.size() - point);
+                segment.seek(point);
+                const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(point);
+                ASSERT_EQ(read_bytes(segment, size), Bytes(begin, begin + static_cast<std::ptrdiff_t>(size))) << point;
+            }
+        });
 }
 
 INSTANTIATE_TEST_SUITE_P(Good, GoldenSamplesTest, testing::ValuesIn(good_files()),

@@ -143,9 +143,8 @@ INSTANTIATE_TEST_SUITE_P(Good, GoldenScanTest, testing::ValuesIn(good_files()),
 TEST(GoldenFiles, TheChoiceHoldsEveryKind)
 {
     const std::vector<DataFile> files = good_files();
-    const auto has = [&files](const std::string& name) {
-        return std::any_of(files.begin(), files.end(), [&name](const DataFile& file) { return file.name() == name; });
-    };
+    const auto has = [&files](const std::string& name)
+    { return std::any_of(files.begin(), files.end(), [&name](const DataFile& file) { return file.name() == name; }); };
 
     EXPECT_EQ(files.size(), 50u);
     for (const char* name : {"attached.bin", "version0.vbf", "version1.vbf", "version3.vbf", "dictionary.vbf",

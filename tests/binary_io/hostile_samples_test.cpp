@@ -71,7 +71,8 @@ std::vector<HostileRead> all_reads()
 std::vector<HostileRead> possible_reads()
 {
     std::vector<HostileRead> reads = all_reads();
-    const auto is_left_out = [](const HostileRead& read) {
+    const auto is_left_out = [](const HostileRead& read)
+    {
         return std::any_of(std::begin(left_out), std::end(left_out),
                            [&read](const LeftOut& entry) { return concerns(entry, read); });
     };
@@ -114,10 +115,12 @@ TEST_P(HostileSamplesTest, HasAnOutcomeOfItsManifest)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Hostile, HostileSamplesTest, testing::ValuesIn(possible_reads()), [](const auto& instance) {
-    return test_name(instance.param.file) + "_" + std::to_string(instance.param.first()) + "_" +
-           std::to_string(instance.index);
-});
+INSTANTIATE_TEST_SUITE_P(Hostile, HostileSamplesTest, testing::ValuesIn(possible_reads()),
+                         [](const auto& instance)
+                         {
+                             return test_name(instance.param.file) + "_" + std::to_string(instance.param.first()) +
+                                    "_" + std::to_string(instance.index);
+                         });
 
 TEST(HostileSamples, WhatIsLeftOutIsInTheManifest)
 {

@@ -40,7 +40,8 @@ protected:
 Bytes literal_stack_header()
 {
     Bytes bytes(368, 0);
-    const auto put = [&bytes](std::size_t offset, std::initializer_list<int> values) {
+    const auto put = [&bytes](std::size_t offset, std::initializer_list<int> values)
+    {
         for (const int value : values)
             bytes[offset++] = static_cast<unsigned char>(value);
     };
@@ -422,7 +423,8 @@ TEST(VBFStackHeader, NotANumberOnAStreamOfAnotherKindBecomesOneToo)
 TEST_F(VBFStackHeaderTest, ACompressedSegmentIsAStreamToo)
 {
     VbfBytes built = record({.name = "name", .description = "text", .data = {}});
-    const auto write_segment = [&built, this](VZippedSegment& segment) {
+    const auto write_segment = [&built, this](VZippedSegment& segment)
+    {
         segment.init_w(file, 6, VFileAccess::all_ones);
         segment.write(built.bytes().data(), built.size());
         const std::uint64_t length_on_disk = segment.write_end();

@@ -66,20 +66,22 @@ TEST(VCriticalSection, AdmitsOneThreadAtATime)
     const std::shared_future<void> start = all_started.get_future().share();
     std::vector<std::thread> threads;
     for (int i = 0; i < thread_count; ++i)
-        threads.emplace_back([&section, &counter, &inside, &met_another, start] {
-            start.wait();
-            for (int round = 0; round < rounds; ++round)
+        threads.emplace_back(
+            [&section, &counter, &inside, &met_another, start]
             {
-                section.lock();
-                met_another = met_another || inside != 0;
-                ++inside;
-                const long counted = counter;
-                std::this_thread::yield();
-                counter = counted + 1;
-                --inside;
-                section.unlock();
-            }
-        });
+                start.wait();
+                for (int round = 0; round < rounds; ++round)
+                {
+                    section.lock();
+                    met_another = met_another || inside != 0;
+                    ++inside;
+                    const long counted = counter;
+                    std::this_thread::yield();
+                    counter = counted + 1;
+                    --inside;
+                    section.unlock();
+                }
+            });
     all_started.set_value();
     for (std::thread& thread : threads)
         thread.join();
@@ -95,12 +97,14 @@ TEST(VCriticalSection, MakesAnotherThreadWaitUntilItIsUnlockedAsOftenAsLocked)
     std::promise<void> about_to_lock;
     for (int i = 0; i < 3; ++i)
         section.lock();
-    std::thread other([&] {
-        about_to_lock.set_value();
-        section.lock();
-        seen_by_other = unlocks_to_come;
-        section.unlock();
-    });
+    std::thread other(
+        [&]
+        {
+            about_to_lock.set_value();
+            section.lock();
+            seen_by_other = unlocks_to_come;
+            section.unlock();
+        });
     about_to_lock.get_future().wait();
     for (int i = 0; i < 1000; ++i)
         std::this_thread::yield(); // an occasion to come in too early; nothing depends on its length
@@ -121,11 +125,13 @@ TEST(VCriticalSection, MayBeLockedAgainByItsHolder)
     for (int i = 0; i < 1000; ++i)
         section.unlock();
     bool entered = false;
-    std::thread other([&] {
-        section.lock();
-        entered = true;
-        section.unlock();
-    });
+    std::thread other(
+        [&]
+        {
+            section.lock();
+            entered = true;
+            section.unlock();
+        });
     other.join();
     EXPECT_TRUE(entered) << "nothing is held any longer";
 }
@@ -136,11 +142,13 @@ TEST(VCriticalSection, DoesNotLockAnother)
     Lock free;
     held.lock();
     bool entered = false;
-    std::thread other([&] {
-        free.lock();
-        entered = true;
-        free.unlock();
-    });
+    std::thread other(
+        [&]
+        {
+            free.lock();
+            entered = true;
+            free.unlock();
+        });
     other.join();
     held.unlock();
     EXPECT_TRUE(entered);

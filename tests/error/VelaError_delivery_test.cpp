@@ -37,27 +37,31 @@ TEST_F(VelaErrorDelivery, APlainErrorSaysNothing)
 
 TEST_F(VelaErrorDelivery, AThrownErrorSaysNothingUntilItIsAsked)
 {
-    const std::string printed = text_on_stderr([] {
-        try
+    const std::string printed = text_on_stderr(
+        []
         {
-            throw plain_error();
-        }
-        catch (const VelaError&)
-        {
-            expect_no_report();
-        }
-    });
+            try
+            {
+                throw plain_error();
+            }
+            catch (const VelaError&)
+            {
+                expect_no_report();
+            }
+        });
     EXPECT_EQ(printed, "");
     expect_no_report();
 }
 
 TEST_F(VelaErrorDelivery, AWarningIsDeliveredOnceAtItsDestruction)
 {
-    const std::string printed = text_on_stderr([] {
-        VelaError warning(std::string("text"), "f", "a.cpp", 3);
-        warning(-5).do_warn();
-        expect_no_report();
-    });
+    const std::string printed = text_on_stderr(
+        []
+        {
+            VelaError warning(std::string("text"), "f", "a.cpp", 3);
+            warning(-5).do_warn();
+            expect_no_report();
+        });
     EXPECT_EQ(printed, warning_report + "\n");
     EXPECT_THAT(debug_lines(), ElementsAre(warning_report + "\n"));
     expect_last_error(-5, warning_report);
@@ -65,20 +69,24 @@ TEST_F(VelaErrorDelivery, AWarningIsDeliveredOnceAtItsDestruction)
 
 TEST_F(VelaErrorDelivery, ATemporaryWarningIsDeliveredAtTheEndOfItsExpression)
 {
-    const std::string printed = text_on_stderr([] {
-        VelaError("f", "a.cpp", 3)("text").do_warn();
-        EXPECT_EQ(debug_lines().size(), 1u);
-    });
+    const std::string printed = text_on_stderr(
+        []
+        {
+            VelaError("f", "a.cpp", 3)("text").do_warn();
+            EXPECT_EQ(debug_lines().size(), 1u);
+        });
     EXPECT_EQ(printed, warning_report + "\n");
 }
 
 TEST_F(VelaErrorDelivery, DoProcessReportsOnceAtTheDestructionAndPrintsNothing)
 {
-    const std::string printed = text_on_stderr([] {
-        VelaError error(std::string("text"), "f", "a.cpp", 3);
-        error(-5).do_process();
-        expect_no_report();
-    });
+    const std::string printed = text_on_stderr(
+        []
+        {
+            VelaError error(std::string("text"), "f", "a.cpp", 3);
+            error(-5).do_process();
+            expect_no_report();
+        });
     EXPECT_EQ(printed, "");
     EXPECT_THAT(debug_lines(), ElementsAre(error_report + "\n"));
     expect_last_error(-5, error_report);
@@ -89,13 +97,15 @@ TEST_F(VelaErrorDelivery, AWarningThatIsToBeProcessedIsReportedOnce)
     for (const bool warn_first : {false, true})
     {
         debug_lines().clear();
-        const std::string printed = text_on_stderr([warn_first] {
-            VelaError error(std::string("text"), "f", "a.cpp", 3);
-            if (warn_first)
-                error.do_warn().do_process();
-            else
-                error.do_process().do_warn();
-        });
+        const std::string printed = text_on_stderr(
+            [warn_first]
+            {
+                VelaError error(std::string("text"), "f", "a.cpp", 3);
+                if (warn_first)
+                    error.do_warn().do_process();
+                else
+                    error.do_process().do_warn();
+            });
         EXPECT_EQ(printed, warning_report + "\n");
         EXPECT_THAT(debug_lines(), ElementsAre(warning_report + "\n"));
         expect_last_error(-1, warning_report);
@@ -112,12 +122,14 @@ TEST_F(VelaErrorDelivery, SettingAFlagTwiceDeliversOnce)
 
 TEST_F(VelaErrorDelivery, AskingAWarningForItsTextDoesNotReplaceItsDelivery)
 {
-    const std::string printed = text_on_stderr([] {
-        const VelaError warning = VelaError(std::string("text"), "f", "a.cpp", 3);
-        const_cast<VelaError&>(warning).do_warn();
-        EXPECT_EQ(warning.what(), warning_report);
-        warning.process();
-    });
+    const std::string printed = text_on_stderr(
+        []
+        {
+            const VelaError warning = VelaError(std::string("text"), "f", "a.cpp", 3);
+            const_cast<VelaError&>(warning).do_warn();
+            EXPECT_EQ(warning.what(), warning_report);
+            warning.process();
+        });
     EXPECT_EQ(printed, warning_report + "\n");
     EXPECT_EQ(debug_lines().size(), 3u);
 }
@@ -147,15 +159,17 @@ TEST_F(VelaErrorDelivery, EachCopyOfAnErrorToBeProcessedReportsOnce)
 
 TEST_F(VelaErrorDelivery, ACloneOfAWarningDeliversOnce)
 {
-    const std::string printed = text_on_stderr([] {
-        VelaError* clone = nullptr;
+    const std::string printed = text_on_stderr(
+        []
         {
-            VelaError warning(std::string("text"), "f", "a.cpp", 3);
-            clone = warning.do_warn().clone();
-        }
-        EXPECT_EQ(debug_lines().size(), 1u);
-        delete clone;
-    });
+            VelaError* clone = nullptr;
+            {
+                VelaError warning(std::string("text"), "f", "a.cpp", 3);
+                clone = warning.do_warn().clone();
+            }
+            EXPECT_EQ(debug_lines().size(), 1u);
+            delete clone;
+        });
     EXPECT_EQ(printed, warning_report + "\n" + warning_report + "\n");
     EXPECT_EQ(debug_lines().size(), 2u);
 }
@@ -188,30 +202,34 @@ TEST_F(VelaErrorDelivery, AssignmentCarriesTheProcessFlag)
 
 TEST_F(VelaErrorDelivery, DestroyedThroughItsBaseItDelivers)
 {
-    const std::string printed = text_on_stderr([] {
-        auto* warning = new VelaError(std::string("text"), "f", "a.cpp", 3);
-        warning->do_warn();
-        const std::unique_ptr<std::exception> base(warning);
-    });
+    const std::string printed = text_on_stderr(
+        []
+        {
+            auto* warning = new VelaError(std::string("text"), "f", "a.cpp", 3);
+            warning->do_warn();
+            const std::unique_ptr<std::exception> base(warning);
+        });
     EXPECT_EQ(printed, warning_report + "\n");
 }
 
 TEST_F(VelaErrorDelivery, DeliversWhileAnotherExceptionIsOnItsWay)
 {
-    const std::string printed = text_on_stderr([] {
-        try
+    const std::string printed = text_on_stderr(
+        []
         {
-            VelaError warning(std::string("text"), "f", "a.cpp", 3);
-            warning.do_warn();
-            VelaError processed(std::string("text"), "f", "a.cpp", 3);
-            processed.do_process();
-            throw VelaError("g", "b.cpp", 4)("the failure")(-3);
-        }
-        catch (const VelaError& failure)
-        {
-            EXPECT_EQ(failure.get_msg(), "the failure");
-        }
-    });
+            try
+            {
+                VelaError warning(std::string("text"), "f", "a.cpp", 3);
+                warning.do_warn();
+                VelaError processed(std::string("text"), "f", "a.cpp", 3);
+                processed.do_process();
+                throw VelaError("g", "b.cpp", 4)("the failure")(-3);
+            }
+            catch (const VelaError& failure)
+            {
+                EXPECT_EQ(failure.get_msg(), "the failure");
+            }
+        });
     EXPECT_EQ(printed, warning_report + "\n");
     EXPECT_THAT(debug_lines(), ElementsAre(error_report + "\n", warning_report + "\n"));
 }
@@ -249,12 +267,14 @@ TEST_F(VelaErrorDelivery, AWarningOfAnyLengthIsPrintedWhole)
 
 TEST_F(VelaErrorDelivery, AWarningCarriesTheSystemError)
 {
-    const std::string printed = text_on_stderr([] {
-        VelaError warning("f", "a.cpp", 3);
-        warning("text");
-        errno = ENOENT;
-        warning.do_oserr().do_warn();
-    });
+    const std::string printed = text_on_stderr(
+        []
+        {
+            VelaError warning("f", "a.cpp", 3);
+            warning("text");
+            errno = ENOENT;
+            warning.do_oserr().do_warn();
+        });
     EXPECT_EQ(printed, warning_report + "\n    os_error(2): No such file or directory\n");
 }
 

@@ -105,10 +105,12 @@ TEST(SystemError, SurvivesTheExpressionThatBuildsTheError)
 TEST(SystemError, IsReadInTheCallingThread)
 {
     VelaError error("f", "a.cpp", 3);
-    std::thread other([&error] {
-        errno = EACCES;
-        error.do_oserr();
-    });
+    std::thread other(
+        [&error]
+        {
+            errno = EACCES;
+            error.do_oserr();
+        });
     other.join();
     EXPECT_EQ(error.get_oserr_id(), EACCES);
     errno = ENOENT;

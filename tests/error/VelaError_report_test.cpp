@@ -142,20 +142,22 @@ void expect_report(const Parts& parts)
     const std::string expected = expected_report(parts);
     SCOPED_TRACE(expected);
     debug_lines().clear();
-    const std::string printed = text_on_stderr([&parts, &expected] {
-        VelaError error(parts.message, parts.func, parts.file, parts.line);
-        if (parts.system_text != nullptr)
+    const std::string printed = text_on_stderr(
+        [&parts, &expected]
         {
-            errno = parts.system_code;
-            error.do_oserr();
-        }
-        error(-8);
-        if (parts.warn)
-            error.do_warn();
-        EXPECT_EQ(std::string(error.what()), expected);
-        EXPECT_EQ(error.process(), -8);
-        expect_last_error(-8, expected);
-    });
+            VelaError error(parts.message, parts.func, parts.file, parts.line);
+            if (parts.system_text != nullptr)
+            {
+                errno = parts.system_code;
+                error.do_oserr();
+            }
+            error(-8);
+            if (parts.warn)
+                error.do_warn();
+            EXPECT_EQ(std::string(error.what()), expected);
+            EXPECT_EQ(error.process(), -8);
+            expect_last_error(-8, expected);
+        });
     EXPECT_EQ(printed, parts.warn ? expected + "\n" : "");
     EXPECT_EQ(debug_lines(), std::vector<std::string>(parts.warn ? 3 : 2, expected + "\n"));
 }
@@ -291,10 +293,12 @@ TEST_F(VelaErrorReport, WithoutADebugSinkNothingIsPrinted)
 {
     vela_set_debug_sink(nullptr);
     testing::internal::CaptureStdout();
-    const std::string printed = text_on_stderr([] {
-        VelaError()("text")(-3).process();
-        VelaError()("text")(-4).what();
-    });
+    const std::string printed = text_on_stderr(
+        []
+        {
+            VelaError()("text")(-3).process();
+            VelaError()("text")(-4).what();
+        });
     EXPECT_EQ(printed, "");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_THAT(debug_lines(), IsEmpty());

@@ -220,16 +220,18 @@ TEST(VelaError, IsCaughtAsAStandardException)
 TEST(VelaError, TravelsFromAnotherThread)
 {
     std::exception_ptr caught;
-    std::thread thrower([&caught] {
-        try
+    std::thread thrower(
+        [&caught]
         {
-            throw VelaError("f", "a.cpp", 3)("from a thread")(-9);
-        }
-        catch (...)
-        {
-            caught = std::current_exception();
-        }
-    });
+            try
+            {
+                throw VelaError("f", "a.cpp", 3)("from a thread")(-9);
+            }
+            catch (...)
+            {
+                caught = std::current_exception();
+            }
+        });
     thrower.join();
     EXPECT_VELA_ERROR(std::rethrow_exception(caught), -9, "from a thread");
 }

@@ -189,7 +189,8 @@ TEST_F(ErrorFunctions, WarnTakesItsMessageAsAFormatWithoutArguments)
 TEST_F(ErrorFunctions, ErrUnwindsTheFramesOfItsCallers)
 {
     const auto witness = std::make_shared<int>(0);
-    const std::function<void(int)> descend = [&descend, &witness](int depth) {
+    const std::function<void(int)> descend = [&descend, &witness](int depth)
+    {
         const std::shared_ptr<int> held = witness;
         if (depth == 0)
             vela_err("from the depth", "f", "a.cpp", 3);
@@ -201,27 +202,31 @@ TEST_F(ErrorFunctions, ErrUnwindsTheFramesOfItsCallers)
 
 TEST_F(ErrorFunctions, ErrIsRethrownAndWrapped)
 {
-    const auto wrapped = thrown_by([] {
-        try
+    const auto wrapped = thrown_by(
+        []
         {
-            vela_err("inner", "f", "a.cpp", 3);
-        }
-        catch (const std::exception& inner)
-        {
-            throw VelaError("g", "b.cpp", 4)("outer\n%s", inner.what())(-4);
-        }
-    });
+            try
+            {
+                vela_err("inner", "f", "a.cpp", 3);
+            }
+            catch (const std::exception& inner)
+            {
+                throw VelaError("g", "b.cpp", 4)("outer\n%s", inner.what())(-4);
+            }
+        });
     EXPECT_EQ(wrapped->get_msg(), "outer\na.cpp(3): ERROR\n    in function 'f':\n    inner");
-    const auto rethrown = thrown_by([] {
-        try
+    const auto rethrown = thrown_by(
+        []
         {
-            vela_lasterr("inner", "f", "a.cpp", 3);
-        }
-        catch (...)
-        {
-            throw;
-        }
-    });
+            try
+            {
+                vela_lasterr("inner", "f", "a.cpp", 3);
+            }
+            catch (...)
+            {
+                throw;
+            }
+        });
     EXPECT_EQ(rethrown->get_id(), 1);
 }
 

@@ -315,7 +315,8 @@ TEST_F(VFileSystem, FailedOpenLeaksNoDescriptor)
 {
     std::filesystem::create_directory(path("folder"));
     const VFile holder(name("held"), VFile::write_mode);
-    const auto lowest_free = [] {
+    const auto lowest_free = []
+    {
         const Descriptor probe("/dev/null", O_RDONLY);
         return probe.get();
     };

@@ -245,7 +245,8 @@ TEST_F(DamagedSegment, EndOfTheStreamIsJudgedTheSameWhereverItFallsInATransfer)
             wrong_sum.back() ^= 1;
             const Bytes no_sum = slice(good, 0, good.size() - 4);
             const Bytes half_sum = slice(good, 0, good.size() - 2);
-            const auto start = [&](const Bytes& stretch) {
+            const auto start = [&](const Bytes& stretch)
+            {
                 put_stretch(stretch);
                 file.set_chunk_size(chunk_size);
                 start_reading(6, size);

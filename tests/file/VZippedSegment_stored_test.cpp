@@ -22,9 +22,10 @@ protected:
     int level() const { return GetParam(); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Level, StoredSegment, testing::Values(0, -1, -99), [](const auto& test) {
-    return test.param == 0 ? "Zero" : test.param == -1 ? "MinusOne" : "Low";
-});
+INSTANTIATE_TEST_SUITE_P(Level, StoredSegment, testing::Values(0, -1, -99),
+                         [](const auto& test) {
+                             return test.param == 0 ? "Zero" : test.param == -1 ? "MinusOne" : "Low";
+                         });
 
 TEST_P(StoredSegment, WritesTheBytesThemselves)
 {

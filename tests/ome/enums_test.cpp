@@ -95,7 +95,8 @@ TEST(OmePixelType, ArraysHaveNone)
 TEST(OmePixelType, OfAllSingleBitsAndPairsOnlyTheTenHaveOne)
 {
     unsigned supported = 0;
-    const auto look_at = [&supported](std::uint32_t id) {
+    const auto look_at = [&supported](std::uint32_t id)
+    {
         if (!has_pixel_type(id))
             return expect_unsupported(id);
         EXPECT_NO_THROW(Ome::get_type(static_cast<std::int32_t>(id)));

@@ -30,7 +30,8 @@ inline FlushedStream deflate_in_blocks(const Bytes& data, int level, std::size_t
     if (deflateInit(&stream, level) != Z_OK)
         throw std::logic_error("deflateInit");
     FlushedStream result;
-    const auto take = [&](std::size_t begin, std::size_t count, int flush) {
+    const auto take = [&](std::size_t begin, std::size_t count, int flush)
+    {
         stream.next_in = data.data() + begin;
         stream.avail_in = static_cast<uInt>(count);
         do

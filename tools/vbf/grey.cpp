@@ -34,7 +34,8 @@ Range quantile_range(std::vector<double> values)
     if (values.empty())
         return {};
     const double last = static_cast<double>(values.size() - 1);
-    const auto at = [&](double rank) {
+    const auto at = [&](double rank)
+    {
         const auto nth = values.begin() + static_cast<std::ptrdiff_t>(rank);
         std::nth_element(values.begin(), nth, values.end());
         return *nth;
@@ -96,8 +97,8 @@ std::vector<unsigned char> grey_levels(const std::vector<double>& values)
     const bool contrast = range.low < range.high;
 
     std::vector<unsigned char> levels(values.size());
-    std::transform(values.begin(), values.end(), levels.begin(), [&](double value) {
-        return contrast ? level_of(value, range) : level_without_contrast(value, range.low);
-    });
+    std::transform(values.begin(), values.end(), levels.begin(),
+                   [&](double value)
+                   { return contrast ? level_of(value, range) : level_without_contrast(value, range.low); });
     return levels;
 }

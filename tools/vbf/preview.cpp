@@ -18,7 +18,8 @@ template <class T, class Take>
 void for_each_sample(StackReader& reader, const Plane& plane, vela_dt type, Take take)
 {
     reader.read(plane.first_sample, plane.get_count_samples(), type,
-                [&](const unsigned char* samples, std::uint64_t size_bytes) {
+                [&](const unsigned char* samples, std::uint64_t size_bytes)
+                {
                     for (std::uint64_t offset = 0; offset < size_bytes; offset += sizeof(T))
                     {
                         T sample;
@@ -46,9 +47,9 @@ std::vector<unsigned char> read_colours(StackReader& reader, const Plane& plane)
 {
     std::vector<unsigned char> pixels;
     pixels.reserve(plane.get_count_samples() * sizeof(_s_vela_RGB));
-    for_each_sample<_s_vela_RGB>(reader, plane, vela_dt_rgb, [&](const _s_vela_RGB& colour) {
-        pixels.insert(pixels.end(), std::begin(colour.bytes), std::end(colour.bytes));
-    });
+    for_each_sample<_s_vela_RGB>(reader, plane, vela_dt_rgb,
+                                 [&](const _s_vela_RGB& colour)
+                                 { pixels.insert(pixels.end(), std::begin(colour.bytes), std::end(colour.bytes)); });
     return pixels;
 }
 

@@ -66,9 +66,8 @@ Character first_character(std::string_view text)
 
 std::uint32_t code_point(std::string_view character)
 {
-    const auto byte = [&](std::size_t i) {
-        return static_cast<std::uint32_t>(static_cast<unsigned char>(character[i]));
-    };
+    const auto byte = [&](std::size_t i)
+    { return static_cast<std::uint32_t>(static_cast<unsigned char>(character[i])); };
     const std::size_t length_bytes = character.size();
     std::uint32_t point = length_bytes == 1 ? byte(0) : byte(0) & (0x7Fu >> length_bytes);
     for (std::size_t i = 1; i < length_bytes; ++i)

@@ -2,10 +2,14 @@
 
 #include "sources/binary_io/types/convert_tables.h"
 
+#include <cfloat>
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #define VELA_LANES
 #endif
+
+static_assert(FLT_EVAL_METHOD == 0, "each float operation is rounded to its own type");
 
 namespace Vela::detail {
 

@@ -6,11 +6,18 @@ struct Lanes
     typedef __m256i Ints;
     static constexpr std::uint64_t count = 8;
 
-    static Ints truncate(const float* source) { return _mm256_cvttps_epi32(_mm256_loadu_ps(source)); }
-    static Ints truncate(const double* source)
+    static Ints truncate(const char* source, float)
     {
-        return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm256_cvttpd_epi32(_mm256_loadu_pd(source))),
-                                       _mm256_cvttpd_epi32(_mm256_loadu_pd(source + 4)), 1);
+        return _mm256_cvttps_epi32(_mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(source))));
+    }
+    static Ints truncate(const char* source, double)
+    {
+        return _mm256_inserti128_si256(_mm256_castsi128_si256(truncate_four(source)),
+                                       truncate_four(source + 4 * sizeof(double)), 1);
+    }
+    static __m128i truncate_four(const char* source)
+    {
+        return _mm256_cvttpd_epi32(_mm256_castsi256_pd(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(source))));
     }
 
     static Ints none() { return _mm256_setzero_si256(); }
@@ -20,6 +27,9 @@ struct Lanes
     {
         return _mm256_testz_si256(value, _mm256_set1_epi32(bits)) == 0;
     }
+
+    static constexpr auto beyond_uint8 = static_cast<std::int32_t>(0xff00ff00);
+    static constexpr auto beyond_uint16 = static_cast<std::int32_t>(0xffff0000);
 
     static Ints store_saturated(char* target, Ints a, Ints b)
     {

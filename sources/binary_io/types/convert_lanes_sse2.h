@@ -1,15 +1,22 @@
 // Floats to small integers with SSE2. Included inside the namespace of the instruction set.
 
-/// Four 32-bit lanes. A truncation gives the integer indefinite, 2^31, for what 32 bits cannot hold.
+/// Four 32-bit lanes. `truncate` takes the first of its floats and their type. A truncation gives the integer indefinite, 2^31, for what 32 bits cannot hold.
 struct Lanes
 {
     typedef __m128i Ints;
     static constexpr std::uint64_t count = 4;
 
-    static Ints truncate(const float* source) { return _mm_cvttps_epi32(_mm_loadu_ps(source)); }
-    static Ints truncate(const double* source)
+    static Ints truncate(const char* source, float)
     {
-        return _mm_unpacklo_epi64(_mm_cvttpd_epi32(_mm_loadu_pd(source)), _mm_cvttpd_epi32(_mm_loadu_pd(source + 2)));
+        return _mm_cvttps_epi32(_mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source))));
+    }
+    static Ints truncate(const char* source, double)
+    {
+        return _mm_unpacklo_epi64(truncate_two(source), truncate_two(source + 2 * sizeof(double)));
+    }
+    static Ints truncate_two(const char* source)
+    {
+        return _mm_cvttpd_epi32(_mm_castsi128_pd(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source))));
     }
 
     static Ints none() { return _mm_setzero_si128(); }
@@ -20,6 +27,10 @@ struct Lanes
         const Ints zero = _mm_cmpeq_epi32(_mm_and_si128(value, _mm_set1_epi32(bits)), _mm_setzero_si128());
         return _mm_movemask_epi8(zero) != 0xffff;
     }
+
+    /// The bits by which `store_uint8` and `store_uint16` show a value that they cannot store.
+    static constexpr auto beyond_uint8 = static_cast<std::int32_t>(0xff00ff00);
+    static constexpr auto beyond_uint16 = static_cast<std::int32_t>(0xffff0000);
 
     /// Stores two vectors as signed words with saturation, and gives what it stored.
     static Ints store_saturated(char* target, Ints a, Ints b)
@@ -35,7 +46,7 @@ struct Lanes
         return _mm_movemask_epi8(_mm_cmpeq_epi16(words, _mm_set1_epi16(value))) != 0;
     }
 
-    /// Stores two vectors of values from 0 to 65535. The result has a bit of 0xffff0000 set where one was another.
+    /// Stores two vectors of values from 0 to 65535. The result has a bit of `beyond_uint16` set where one was another.
     static Ints store_uint16(char* target, Ints a, Ints b)
     {
         // SSE2 narrows to signed words only: moved down by 2^15 and up again.
@@ -45,7 +56,7 @@ struct Lanes
         return _mm_or_si128(a, b);
     }
 
-    /// Stores four vectors of values from 0 to 255. The result has a bit of 0xff00ff00 set where one was another.
+    /// Stores four vectors of values from 0 to 255. The result has a bit of `beyond_uint8` set where one was another.
     static Ints store_uint8(char* target, Ints a, Ints b, Ints c, Ints d)
     {
         const Ints ab = _mm_packs_epi32(a, b);
@@ -67,7 +78,6 @@ struct Lanes
     static void store_low_8(char* target, Ints a, Ints b, Ints c, Ints d)
     {
         const Ints low = _mm_set1_epi32(0xff);
-        store_uint8(target, _mm_and_si128(a, low), _mm_and_si128(b, low), _mm_and_si128(c, low),
-                    _mm_and_si128(d, low));
+        store_uint8(target, _mm_and_si128(a, low), _mm_and_si128(b, low), _mm_and_si128(c, low), _mm_and_si128(d, low));
     }
 };

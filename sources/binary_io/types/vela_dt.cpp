@@ -5,7 +5,9 @@
 
 #include <complex>
 #include <cstdint>
+#include <cstring>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <typeinfo>
 
@@ -141,5 +143,9 @@ const char* vela_dt_get_name(vela_dt id)
 
 vela_dt vela_dt_from_name(const char* name)
 {
-    return name == nullptr ? vela_dt_none : type_names.get_key(name);
+    // No name is longer than this; a longer one would take memory to look up, and that may fail.
+    constexpr std::size_t longest_name = std::string_view("cplx_logical").size();
+    if (name == nullptr || strnlen(name, longest_name + 1) > longest_name)
+        return vela_dt_none;
+    return type_names.get_key(name);
 }

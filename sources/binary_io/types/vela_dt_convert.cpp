@@ -103,8 +103,8 @@ int convert_plain(std::uint32_t source_dt, std::uint32_t target_dt, const void* 
     return done;
 }
 
-int convert_split(std::uint32_t source_dt, std::uint32_t target_dt, const void* source, void* target,
-                  void* imag_target, std::uint64_t count)
+int convert_split(std::uint32_t source_dt, std::uint32_t target_dt, const void* source, void* target, void* imag_target,
+                  std::uint64_t count)
 {
     const Numeric from = classify(source_dt);
     const Numeric to = classify(target_dt);

@@ -148,9 +148,8 @@ TEST_P(EveryPattern, JoinsToAComplexSample)
 }
 
 INSTANTIATE_TEST_SUITE_P(Of16BitsOrFewer, EveryPattern, testing::Values(uint8_kind, int8_kind, uint16_kind, int16_kind),
-                         [](const testing::TestParamInfo<ScalarKind>& tested) {
-                             return std::string(tested.param.name);
-                         });
+                         [](const testing::TestParamInfo<ScalarKind>& tested)
+                         { return std::string(tested.param.name); });
 
 } // namespace
 } // namespace vela_test

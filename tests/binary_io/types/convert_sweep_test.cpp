@@ -43,9 +43,8 @@ TEST_P(SweepOverSinglePatterns, ConvertsEach1021st)
 
 INSTANTIATE_TEST_SUITE_P(To, SweepOverSinglePatterns,
                          testing::Values(uint8_kind, uint16_kind, int16_kind, uint32_kind, int32_kind, uint64_kind),
-                         [](const testing::TestParamInfo<ScalarKind>& tested) {
-                             return std::string(tested.param.name);
-                         });
+                         [](const testing::TestParamInfo<ScalarKind>& tested)
+                         { return std::string(tested.param.name); });
 
 TEST(SweepOverSinglePatternsTo, Int8Int64AndDouble)
 {

@@ -107,62 +107,71 @@ protected:
 
 TEST_P(EveryPair, ScalarsConvertAlikeInEveryInstructionSet)
 {
-    for_all([](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift) {
-        Bytes baseline = target(count, shift);
-        Bytes chosen = baseline;
-        convert_tables_baseline.scalar[from][to](values, baseline.data() + shift, count);
-        ASSERT_EQ(vela_dt_convert(ids[from], ids[to], values, chosen.data() + shift, count, nullptr, nullptr), 0);
-        EXPECT_TRUE(baseline == chosen);
-    });
+    for_all(
+        [](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift)
+        {
+            Bytes baseline = target(count, shift);
+            Bytes chosen = baseline;
+            convert_tables_baseline.scalar[from][to](values, baseline.data() + shift, count);
+            ASSERT_EQ(vela_dt_convert(ids[from], ids[to], values, chosen.data() + shift, count, nullptr, nullptr), 0);
+            EXPECT_TRUE(baseline == chosen);
+        });
 }
 
 TEST_P(EveryPair, ScalarsBecomeComplexAlikeInEveryInstructionSet)
 {
-    for_all([](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift) {
-        Bytes baseline = target(count, shift);
-        Bytes chosen = baseline;
-        convert_tables_baseline.to_complex[from][to](values, baseline.data() + shift, count);
-        ASSERT_EQ(
-            vela_dt_convert(ids[from], ids[to] | complex_flag, values, chosen.data() + shift, count, nullptr, nullptr),
-            0);
-        EXPECT_TRUE(baseline == chosen);
-    });
+    for_all(
+        [](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift)
+        {
+            Bytes baseline = target(count, shift);
+            Bytes chosen = baseline;
+            convert_tables_baseline.to_complex[from][to](values, baseline.data() + shift, count);
+            ASSERT_EQ(vela_dt_convert(ids[from], ids[to] | complex_flag, values, chosen.data() + shift, count, nullptr,
+                                      nullptr),
+                      0);
+            EXPECT_TRUE(baseline == chosen);
+        });
 }
 
 TEST_P(EveryPair, ComplexSamplesSplitAlikeInEveryInstructionSet)
 {
-    for_all([](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift) {
-        count /= 2;
-        Bytes baseline = target(count, shift);
-        Bytes baseline_imag = target(count, shift);
-        Bytes chosen = baseline;
-        Bytes chosen_imag = baseline_imag;
-        convert_tables_baseline.split[from][to](values, baseline.data() + shift, baseline_imag.data() + shift, count);
-        ASSERT_EQ(vela_dt_convert(ids[from] | complex_flag, ids[to], values, chosen.data() + shift, count, nullptr,
-                                  chosen_imag.data() + shift),
-                  0);
-        EXPECT_TRUE(baseline == chosen);
-        EXPECT_TRUE(baseline_imag == chosen_imag);
-    });
+    for_all(
+        [](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift)
+        {
+            count /= 2;
+            Bytes baseline = target(count, shift);
+            Bytes baseline_imag = target(count, shift);
+            Bytes chosen = baseline;
+            Bytes chosen_imag = baseline_imag;
+            convert_tables_baseline.split[from][to](values, baseline.data() + shift, baseline_imag.data() + shift,
+                                                    count);
+            ASSERT_EQ(vela_dt_convert(ids[from] | complex_flag, ids[to], values, chosen.data() + shift, count, nullptr,
+                                      chosen_imag.data() + shift),
+                      0);
+            EXPECT_TRUE(baseline == chosen);
+            EXPECT_TRUE(baseline_imag == chosen_imag);
+        });
 }
 
 TEST_P(EveryPair, ScalarsJoinAlikeInEveryInstructionSet)
 {
-    for_all([](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift) {
-        count /= 2;
-        const unsigned char* const imag = values + count * 8;
-        Bytes baseline = target(count, shift);
-        Bytes chosen = baseline;
-        convert_tables_baseline.join[from][to](values, imag, baseline.data() + shift, count);
-        ASSERT_EQ(
-            vela_dt_convert(ids[from], ids[to] | complex_flag, values, chosen.data() + shift, count, imag, nullptr), 0);
-        EXPECT_TRUE(baseline == chosen);
-    });
+    for_all(
+        [](std::size_t from, std::size_t to, const unsigned char* values, std::size_t count, std::size_t shift)
+        {
+            count /= 2;
+            const unsigned char* const imag = values + count * 8;
+            Bytes baseline = target(count, shift);
+            Bytes chosen = baseline;
+            convert_tables_baseline.join[from][to](values, imag, baseline.data() + shift, count);
+            ASSERT_EQ(
+                vela_dt_convert(ids[from], ids[to] | complex_flag, values, chosen.data() + shift, count, imag, nullptr),
+                0);
+            EXPECT_TRUE(baseline == chosen);
+        });
 }
 
 INSTANTIATE_TEST_SUITE_P(InstructionSets, EveryPair, testing::Range<std::size_t>(0, scalar_count),
-                         [](const auto& parameter) {
-                             return std::string(vela_dt_get_name(static_cast<vela_dt>(ids[parameter.param])));
-                         });
+                         [](const auto& parameter)
+                         { return std::string(vela_dt_get_name(static_cast<vela_dt>(ids[parameter.param]))); });
 
 } // namespace

@@ -202,6 +202,14 @@ TEST(SampleTypeIdentity, OfInt8IsPlainChar)
     EXPECT_NE(vela_dt_get_type(0x2), typeid(std::int8_t));
 }
 
+TEST(SampleTypeIdentity, OfPropertiesAndArraysIsThatOfNoTypeWhileTheLibraryHasNone)
+{
+    EXPECT_EQ(vela_dt_get_type(0x4000), typeid(void));
+    EXPECT_EQ(vela_dt_get_type(0x8000), typeid(void));
+    for (const KnownType& known : known_types)
+        EXPECT_EQ(vela_dt_get_type(as_dt(known.id | array_flag)), typeid(void)) << known.name;
+}
+
 TEST(SampleTypeIdentity, OfCharIsThePropertyString)
 {
     EXPECT_EQ(vela_dt_get_type(0x20000), typeid(VPropstring));

@@ -42,7 +42,8 @@ std::wstring decoded(const std::string& bytes)
 /// The bytes of what has one.
 std::string encoded(const std::wstring& text)
 {
-    static const std::map<std::uint32_t, char> table = [] {
+    static const std::map<std::uint32_t, char> table = []
+    {
         std::map<std::uint32_t, char> bytes;
         for (int number = 0; number < 256; ++number)
         {

@@ -41,13 +41,15 @@ TEST(VTypemap, IsFilledByTheFunctionOfItsConstructor)
     static int calls = 0;
     static const void* filled = nullptr;
     calls = 0;
-    const Names names(every_bit, [](Names& table) {
-        ++calls;
-        filled = &table;
-        table.add(4, "first");
-        table.add(5, "other");
-        table.add(4, "second");
-    });
+    const Names names(every_bit,
+                      [](Names& table)
+                      {
+                          ++calls;
+                          filled = &table;
+                          table.add(4, "first");
+                          table.add(5, "other");
+                          table.add(4, "second");
+                      });
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(filled, &names);
     EXPECT_EQ(names.get(4), "second");

@@ -70,9 +70,8 @@ inline std::string utf8_of(const std::wstring& text)
 /// Length of the UTF-8 sequence that starts at `pos`, 0 if none is valid there.
 inline std::size_t utf8_sequence_at(const std::string& bytes, std::size_t pos, std::uint32_t& point)
 {
-    const auto at = [&bytes](std::size_t i) -> std::uint32_t {
-        return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0u;
-    };
+    const auto at = [&bytes](std::size_t i) -> std::uint32_t
+    { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0u; };
     const std::uint32_t lead = at(pos);
     if (lead < 0x80)
     {
