@@ -146,6 +146,7 @@ private:
     void write_compressed(const unsigned char* data, std::uint64_t count);
     void encode(const unsigned char* data, std::uint64_t count, Vela::StreamFlush flush);
     void jump_to(std::uint64_t target);
+    void recover();
     void restart_at(std::uint64_t restart_pos, std::uint64_t restart_pos_file);
     void skip_to(std::uint64_t target);
 

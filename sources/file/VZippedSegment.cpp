@@ -164,6 +164,8 @@ void VZippedSegment::read(void* dest, std::uint64_t count)
     if (size != all_ones && (pos > size || count > size - pos))
         throw_beyond_boundary(__LINE__);
     require_file("VZippedSegment::read", __LINE__);
+    if (stream_lost)
+        recover();
     // Reading wherever the file happens to stand would give wrong samples.
     if (file->seek(cur_pos_file) == all_ones)
         throw VelaError("VZippedSegment::read", __FILE__, __LINE__)
@@ -188,8 +190,6 @@ void VZippedSegment::refill()
 
 void VZippedSegment::read_compressed(unsigned char* dest, std::uint64_t count)
 {
-    if (stream_lost)
-        jump_to(pos);
     stream_lost = true; // unless this read comes to its end
     const bool ends_at_size = size != all_ones && count == size - pos;
     std::uint64_t out_left = count;
@@ -361,6 +361,22 @@ void VZippedSegment::restart_at(std::uint64_t restart_pos, std::uint64_t restart
     cur_pos_file = restart_pos_file;
     held = 0;
     stream_lost = false;
+}
+
+/// Brings the stream back to the position that the last failed read left, and keeps that position if it fails too.
+void VZippedSegment::recover()
+{
+    const std::uint64_t target = pos;
+    try
+    {
+        jump_to(target);
+    }
+    catch (...)
+    {
+        pos = target;
+        stream_lost = true;
+        throw;
+    }
 }
 
 void VZippedSegment::skip_to(std::uint64_t target)

@@ -51,6 +51,25 @@ std::string cut_outcome(std::size_t size)
     return "ok";
 }
 
+TEST_F(DamagedHeadersTest, TextsThatShareTheBytesOfTheFileDoNotMultiplyIt)
+{
+    // Each header has all that follows it as its description: of 400 KiB, 100 MiB of text could be made.
+    VbfBytes bytes;
+    bytes.file_header(1);
+    StackFields fields;
+    fields.name = "";
+    fields.data = {};
+    std::vector<std::uint64_t> positions;
+    for (int i = 0; i < 1000; ++i)
+        positions.push_back(bytes.stack(fields));
+    for (const std::uint64_t position : positions)
+        bytes.set_u32_at(position + 340, static_cast<std::uint32_t>(bytes.size() - position - 368));
+    vela_test::put_bytes(path("many.vbf"), bytes.bytes());
+    VFile opened(vela_test::file_name(path("many.vbf")), VFile::read_mode);
+    EXPECT_VELA_ERROR_IN(scan_chain(opened), "VBFFileImp::attach_imp", "sources/binary_io", -4,
+                         "Invalid stack position specified in header!");
+}
+
 } // namespace
 
 TEST_F(DamagedHeadersTest, AFileCutAtAnyByteFailsOnTheFieldThatIsCut)

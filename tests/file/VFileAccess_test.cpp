@@ -354,6 +354,24 @@ TEST(ReadStrOfPipe, WorksWhereTheEndIsNotKnown)
     file.detach();
 }
 
+TEST(ReadStrOfPipe, TakesLittleMemoryForALengthThatLies)
+{
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const Descriptor out(ends[0]);
+    Descriptor in(ends[1]);
+    ASSERT_EQ(::write(in.get(), "\377\377\377\377abcde", 9), 9);
+    in.close();
+    void* handle = out.handle();
+    VFile file;
+    file.attach(handle, VFile::read_mode);
+    std::string text;
+    const AllocationWatch watch;
+    EXPECT_THROW(file.read_str(text, VFileAccess::all_ones), VelaError);
+    EXPECT_LT(watch.peak_extra_bytes(), 4u * 1024 * 1024);
+    file.detach();
+}
+
 using ReadStrOfSegment = FolderTest;
 
 TEST_F(ReadStrOfSegment, BeyondTheSegmentFailsAsTheSegmentDoesAndTakesLittleMemory)

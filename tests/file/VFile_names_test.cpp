@@ -39,6 +39,20 @@ TEST_F(VFileTest, NewFileIsAnOrdinaryFile)
     EXPECT_EQ(status.permissions() & (perms::owner_exec | perms::group_exec | perms::others_exec), perms::none);
 }
 
+TEST_F(VFileTest, ANameThatHasNoUtf8FormNamesNoOtherFile)
+{
+    // Dropping the unit that is no code point would name "ab".
+    put_bytes(path("ab"), {1, 2, 3});
+    VPropstring wrong = name("a");
+    wrong.push_back(static_cast<wchar_t>(0xD800));
+    wrong.push_back(L'b');
+    VFile file;
+    for (const auto mode : {VFile::read_mode, VFile::write_mode, VFile::append_mode})
+        EXPECT_VELA_ERROR(file.open(wrong, mode), -1, "Could not open file!");
+    EXPECT_VELA_ERROR(VFile::remove(wrong), -1, "Could not remove file.");
+    EXPECT_EQ(get_bytes(path("ab")), (Bytes{1, 2, 3}));
+}
+
 TEST_F(VFileTest, RemoveRemovesAFile)
 {
     put_bytes(path("a"), {1});
