@@ -13,10 +13,10 @@
 namespace {
 
 /// Up to here memory is taken before it is known whether the bytes are there: a test would cost more.
-constexpr std::uint64_t trusted_length = 64 * 1024;
+constexpr std::uint64_t trusted_length = std::uint64_t{64} * 1024;
 
 /// How much is taken at once from a stream that cannot say what it has.
-constexpr std::uint64_t piece_length = 1024 * 1024;
+constexpr std::uint64_t piece_length = std::uint64_t{1024} * 1024;
 
 /// Bytes behind the position of a file, `all_ones` where the system does not say.
 std::uint64_t bytes_left(VFile& file)

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t max_values_for_quantiles = 1024 * 1024;
+constexpr std::size_t max_values_for_quantiles = std::size_t{1024} * 1024;
 constexpr double low_quantile = 0.001;
 constexpr double high_quantile = 0.999;
 constexpr unsigned char middle_grey = 128;

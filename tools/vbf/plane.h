@@ -10,7 +10,7 @@
 struct Plane
 {
     /// A plane of more samples is not drawn.
-    static constexpr std::uint64_t max_samples = 32 * 1024 * 1024;
+    static constexpr std::uint64_t max_samples = std::uint64_t{32} * 1024 * 1024;
     /// Nor is one that is wider or higher: no PNG reader takes it.
     static constexpr std::uint64_t max_extent = 1000000;
 

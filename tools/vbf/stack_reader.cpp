@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::uint64_t chunk_bytes = 4 * 1024 * 1024;
+constexpr std::uint64_t chunk_bytes = std::uint64_t{4} * 1024 * 1024;
 
 std::uint64_t size_of(vela_dt type)
 {

@@ -9,9 +9,9 @@
 template <class T>
 constexpr bool is_float = false;
 template <>
-constexpr bool is_float<float> = true;
+inline constexpr bool is_float<float> = true;
 template <>
-constexpr bool is_float<double> = true;
+inline constexpr bool is_float<double> = true;
 
 template <class T>
 constexpr bool is_signed = static_cast<T>(-1) < T(0);

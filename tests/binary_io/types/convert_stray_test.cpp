@@ -32,10 +32,28 @@ constexpr std::size_t count = 3 * 1024 + 21;
 
 constexpr double fills[] = {0, 7, 200, -3, 300, 40000, 70000, 1e9};
 
-const double strays[] = {-0.5,        -1,           255.9,        256,          32766,       32767,      32768,
-                         -32767,      -32768,       -32769,       65535,        65536,       2147483520, 2147483648.0,
-                         2147483904.0, -2147483648.0, -2147483904.0, 4294967808.0, 549755879424.0, 9.3e18,
-                         std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+const double strays[] = {-0.5,
+                         -1,
+                         255.9,
+                         256,
+                         32766,
+                         32767,
+                         32768,
+                         -32767,
+                         -32768,
+                         -32769,
+                         65535,
+                         65536,
+                         2147483520,
+                         2147483648.0,
+                         2147483904.0,
+                         -2147483648.0,
+                         -2147483904.0,
+                         4294967808.0,
+                         549755879424.0,
+                         9.3e18,
+                         std::numeric_limits<double>::infinity(),
+                         -std::numeric_limits<double>::infinity(),
                          std::numeric_limits<double>::quiet_NaN()};
 
 std::size_t table_index(const ScalarKind& kind)
@@ -76,17 +94,16 @@ protected:
 
     void expect(std::size_t index, double value)
     {
-        vela_test::store_bits(
-            target_kind().size_bytes, expected.data() + index * target_kind().size_bytes,
-            vela_test::converted_bits(source_kind(), target_kind(), bits_of(source_kind(), value)));
+        vela_test::store_bits(target_kind().size_bytes, expected.data() + index * target_kind().size_bytes,
+                              vela_test::converted_bits(source_kind(), target_kind(), bits_of(source_kind(), value)));
     }
 
     void check(const std::string& what)
     {
         Bytes target(expected.size(), 0xA5);
-        ASSERT_EQ(vela_dt_convert(source_kind().id, target_kind().id, source.data(), target.data(), count, nullptr,
-                                  nullptr),
-                  0);
+        ASSERT_EQ(
+            vela_dt_convert(source_kind().id, target_kind().id, source.data(), target.data(), count, nullptr, nullptr),
+            0);
         ASSERT_TRUE(target == expected) << "chosen, " << what;
         target.assign(expected.size(), 0xA5);
         Vela::detail::convert_tables_baseline.scalar[table_index(source_kind())][table_index(target_kind())](
@@ -127,8 +144,7 @@ INSTANTIATE_TEST_SUITE_P(FloatsToSmallIntegers, OneStray,
                          testing::Combine(testing::Values(vela_test::single_kind, vela_test::double_kind),
                                           testing::Values(vela_test::uint8_kind, vela_test::int8_kind,
                                                           vela_test::uint16_kind, vela_test::int16_kind)),
-                         [](const testing::TestParamInfo<Pair>& parameter)
-                         {
+                         [](const testing::TestParamInfo<Pair>& parameter) {
                              return std::string(std::get<0>(parameter.param).name) + "To" +
                                     std::get<1>(parameter.param).name;
                          });
