@@ -6,24 +6,24 @@
 
 #include <cstdint>
 #include <mutex>
+#include <new>
 #include <string>
 #include <utility>
 
 namespace {
 
-/// The record needs no memory to exist and is never destroyed: an error may be reported while the process ends.
-union LastErrorString
+/// Takes no memory to exist and is never destroyed: an error may be reported while the process ends.
+std::string& last_error_string()
 {
-    constexpr LastErrorString() : text() {}
-    ~LastErrorString() {}
-    std::string text;
-};
+    alignas(std::string) static unsigned char room[sizeof(std::string)];
+    static std::string* const text = new (room) std::string;
+    return *text;
+}
 
 /// Reports of several threads overwrite each other, but each whole: `what()` is called where errors are printed,
 /// and two threads that print must not tear a string between them.
 std::mutex last_error_mutex;
 std::int32_t last_error_id = 0;
-constinit LastErrorString last_error_string;
 
 std::string flag_text(int flags)
 {
@@ -45,7 +45,7 @@ void Vela::detail::set_last_error(int id, std::string&& report) noexcept
 {
     const std::lock_guard lock(last_error_mutex);
     last_error_id = id;
-    last_error_string.text.swap(report);
+    last_error_string().swap(report);
 }
 
 void vela_err(const char* msg, const char* func, const char* file, int line)
@@ -74,7 +74,7 @@ const char* vela_get_last_error_string()
     // A copy for each thread: nothing that another one reports changes it.
     static thread_local std::string text;
     const std::lock_guard lock(last_error_mutex);
-    text = last_error_string.text;
+    text = last_error_string();
     return text.c_str();
 }
 
