@@ -1,5 +1,6 @@
 // Bulk conversion against memcpy of the same traffic: a conversion that reads a bytes and writes b is held
-// against a copy of (a + b) / 2. Chunks of 4 MiB, as the file layers use.
+// against a copy of (a + b) / 2. A chunk is 4 MiB of source samples, as the file
+// layers convert them.
 
 #include "benchmarks/ratios.h"
 

@@ -269,11 +269,11 @@ void add_stored()
                                              segment.read(room().data() + at, large_piece);
                                      }
                                  });
+    // Both write over a file that is there already: making its pages would be most of the time.
     benchmark::RegisterBenchmark("stored write, system calls",
                                  [](benchmark::State& state)
                                  {
-                                     const std::string target = path + ".peer";
-                                     const int file = open(target.c_str(), O_RDWR | O_CREAT, 0600);
+                                     const int file = open(path.c_str(), O_RDWR);
                                      for (auto step : state)
                                      {
                                          lseek(file, 0, SEEK_SET);
@@ -283,24 +283,19 @@ void add_stored()
                                                  state.SkipWithError("short write");
                                      }
                                      close(file);
-                                     unlink(target.c_str());
                                  });
     benchmark::RegisterBenchmark("stored write, segment",
                                  [](benchmark::State& state)
                                  {
-                                     const std::string target = path + ".written";
+                                     VFile file(file_name(path), VFile::append_mode);
+                                     VZippedSegment segment;
+                                     for (auto step : state)
                                      {
-                                         VFile file(file_name(target), VFile::write_mode);
-                                         VZippedSegment segment;
-                                         for (auto step : state)
-                                         {
-                                             file.seek(0);
-                                             segment.init_w(file, 0, stored_bytes);
-                                             for (std::size_t at = 0; at < stored_bytes; at += large_piece)
-                                                 segment.write(room().data() + at, large_piece);
-                                         }
+                                         file.seek(0);
+                                         segment.init_w(file, 0, stored_bytes);
+                                         for (std::size_t at = 0; at < stored_bytes; at += large_piece)
+                                             segment.write(room().data() + at, large_piece);
                                      }
-                                     unlink(target.c_str());
                                  });
     vela_bench::expect_ratio("stored, read", "stored read, segment", "stored read, system calls", 0.95);
     vela_bench::expect_ratio("stored, write", "stored write, segment", "stored write, system calls", 0.95);

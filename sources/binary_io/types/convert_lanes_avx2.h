@@ -5,6 +5,7 @@ struct Lanes
 {
     typedef __m256i Ints;
     static constexpr std::uint64_t count = 8;
+    static constexpr bool interleaves = true;
 
     static Ints truncate(const char* source, float)
     {
@@ -74,5 +75,44 @@ struct Lanes
         const Ints low = _mm256_set1_epi32(0xff);
         store_uint8(target, _mm256_and_si256(a, low), _mm256_and_si256(b, low), _mm256_and_si256(c, low),
                     _mm256_and_si256(d, low));
+    }
+
+    static void widen_to_doubles(const char* bytes, char* doubles)
+    {
+        const Ints ints = _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)));
+        store(doubles, _mm256_castpd_si256(_mm256_cvtepi32_pd(_mm256_castsi256_si128(ints))));
+        store(doubles + 32, _mm256_castpd_si256(_mm256_cvtepi32_pd(_mm256_extracti128_si256(ints, 1))));
+    }
+
+    static Ints load(const char* source) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(source)); }
+    static void store(char* target, Ints value) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(target), value); }
+
+    /// 32 bytes of each of two arrays of 4-byte or 8-byte values to 64 bytes of pairs.
+    template <std::uint64_t size>
+    static void interleave(const char* first, const char* second, char* pairs)
+    {
+        const Ints a = load(first);
+        const Ints b = load(second);
+        // Within halves: the quarters of the pairs come out in the order 0, 2 and 1, 3.
+        const Ints low = size == 4 ? _mm256_unpacklo_epi32(a, b) : _mm256_unpacklo_epi64(a, b);
+        const Ints high = size == 4 ? _mm256_unpackhi_epi32(a, b) : _mm256_unpackhi_epi64(a, b);
+        store(pairs, _mm256_permute2x128_si256(low, high, 0x20));
+        store(pairs + 32, _mm256_permute2x128_si256(low, high, 0x31));
+    }
+
+    /// The reverse.
+    template <std::uint64_t size>
+    static void deinterleave(const char* pairs, char* first, char* second)
+    {
+        const Ints a = load(pairs);
+        const Ints b = load(pairs + 32);
+        const __m256 a_words = _mm256_castsi256_ps(a);
+        const __m256 b_words = _mm256_castsi256_ps(b);
+        const Ints even =
+            size == 4 ? _mm256_castps_si256(_mm256_shuffle_ps(a_words, b_words, 0x88)) : _mm256_unpacklo_epi64(a, b);
+        const Ints odd =
+            size == 4 ? _mm256_castps_si256(_mm256_shuffle_ps(a_words, b_words, 0xdd)) : _mm256_unpackhi_epi64(a, b);
+        store(first, _mm256_permute4x64_epi64(even, 0xd8));
+        store(second, _mm256_permute4x64_epi64(odd, 0xd8));
     }
 };

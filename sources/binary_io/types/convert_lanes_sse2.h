@@ -5,6 +5,7 @@ struct Lanes
 {
     typedef __m128i Ints;
     static constexpr std::uint64_t count = 4;
+    static constexpr bool interleaves = false; // the compiler does it as well with vectors of this width
 
     static Ints truncate(const char* source, float)
     {
@@ -26,6 +27,23 @@ struct Lanes
     {
         const Ints zero = _mm_cmpeq_epi32(_mm_and_si128(value, _mm_set1_epi32(bits)), _mm_setzero_si128());
         return _mm_movemask_epi8(zero) != 0xffff;
+    }
+
+    /// 8 bytes to 8 doubles.
+    static void widen_to_doubles(const char* bytes, char* doubles)
+    {
+        const Ints zero = _mm_setzero_si128();
+        const Ints words = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)), zero);
+        const Ints low = _mm_unpacklo_epi16(words, zero);
+        const Ints high = _mm_unpackhi_epi16(words, zero);
+        store_doubles(doubles, low);
+        store_doubles(doubles + 16, _mm_unpackhi_epi64(low, low));
+        store_doubles(doubles + 32, high);
+        store_doubles(doubles + 48, _mm_unpackhi_epi64(high, high));
+    }
+    static void store_doubles(char* doubles, Ints two)
+    {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(doubles), _mm_castpd_si128(_mm_cvtepi32_pd(two)));
     }
 
     /// The bits by which `store_uint8` and `store_uint16` show a value that they cannot store.

@@ -80,6 +80,10 @@ void join_run(const char* __restrict source, const char* __restrict imag_source,
     }
 }
 
+/// Same size and both floats or both integers: a conversion only moves the bits.
+template <class From, class To>
+constexpr bool keeps_bits = sizeof(From) == sizeof(To) && is_float<From> == is_float<To>;
+
 #if defined(VELA_LANES)
 
 /// Values of a block; a multiple of what one step of any lanes takes.
@@ -187,6 +191,50 @@ void floats_to_small_integers(const char* source, char* target, std::uint64_t co
     plain_run<From, To>(source + done * sizeof(From), target + done * sizeof(To), count - done);
 }
 
+/// Bytes to doubles: three widenings, which the compiler does through every size between; 0.9 of the speed of a copy
+/// against 0.77 with AVX2 (target of 4 MiB, AMD EPYC, GCC 12).
+inline void bytes_to_doubles(const char* source, char* target, std::uint64_t count)
+{
+    constexpr std::uint64_t step = 8;
+    std::uint64_t done = 0;
+    for (; count - done >= step; done += step)
+        Lanes::widen_to_doubles(source + done, target + done * sizeof(double));
+    plain_run<std::uint8_t, double>(source + done, target + done * sizeof(double), count - done);
+}
+
+/// Pairs that only change places, where the instruction set does that better than the compiler: measured with AVX2,
+/// 1.04 of the speed of a copy against 0.87 (AMD EPYC, GCC 12).
+template <class From, class To>
+constexpr bool interleaves_in_lanes = Lanes::interleaves&& keeps_bits<From, To> && (sizeof(To) == 4 || sizeof(To) == 8);
+
+/// Both give the number of pairs that they moved.
+template <class T, class L = Lanes>
+inline std::uint64_t split_in_lanes(const char* pairs, char* first, char* second, std::uint64_t count)
+{
+    constexpr std::uint64_t step = 32 / sizeof(T);
+    std::uint64_t done = 0;
+    for (; count - done >= step; done += step)
+        L::template deinterleave<sizeof(T)>(pairs + done * 2 * sizeof(T), first + done * sizeof(T),
+                                            second + done * sizeof(T));
+    return done;
+}
+
+template <class T, class L = Lanes>
+inline std::uint64_t join_in_lanes(const char* first, const char* second, char* pairs, std::uint64_t count)
+{
+    constexpr std::uint64_t step = 32 / sizeof(T);
+    std::uint64_t done = 0;
+    for (; count - done >= step; done += step)
+        L::template interleave<sizeof(T)>(first + done * sizeof(T), second + done * sizeof(T),
+                                          pairs + done * 2 * sizeof(T));
+    return done;
+}
+
+#else
+
+template <class From, class To>
+constexpr bool interleaves_in_lanes = false;
+
 #endif
 
 template <class From, class To>
@@ -194,7 +242,7 @@ void convert_plain(const void* source, void* target, std::uint64_t count)
 {
     const auto* in = static_cast<const char*>(source);
     auto* out = static_cast<char*>(target);
-    if constexpr (sizeof(From) == sizeof(To) && is_float<From> == is_float<To>)
+    if constexpr (keeps_bits<From, To>)
     {
         if (count != 0)
             __builtin_memcpy(out, in, count * sizeof(To)); // the same bits
@@ -208,6 +256,8 @@ void convert_plain(const void* source, void* target, std::uint64_t count)
 #if defined(VELA_LANES)
         if constexpr (is_float<From> && !is_float<To> && sizeof(To) <= 2)
             return floats_to_small_integers<From, To>(in, out, count - head);
+        if constexpr (sizeof(From) == 1 && !is_signed<From> && is_float<To> && sizeof(To) == 8)
+            return bytes_to_doubles(in, out, count - head);
 #endif
         plain_run<From, To>(in, out, count - head);
     }
@@ -229,8 +279,11 @@ void convert_split(const void* source, void* target, void* imag_target, std::uin
     const auto* const in = static_cast<const char*>(source);
     auto* const out = static_cast<char*>(target);
     auto* const imag_out = static_cast<char*>(imag_target);
-    const std::uint64_t head = values_to_boundary(out, sizeof(To), count);
+    std::uint64_t head = values_to_boundary(out, sizeof(To), count);
     split_run<From, To>(in, out, imag_out, head);
+    if constexpr (interleaves_in_lanes<From, To>)
+        head += split_in_lanes<To>(in + head * 2 * sizeof(To), out + head * sizeof(To), imag_out + head * sizeof(To),
+                                   count - head);
     split_run<From, To>(in + head * 2 * sizeof(From), out + head * sizeof(To), imag_out + head * sizeof(To),
                         count - head);
 }
@@ -241,8 +294,11 @@ void convert_join(const void* source, const void* imag_source, void* target, std
     const auto* const in = static_cast<const char*>(source);
     const auto* const imag_in = static_cast<const char*>(imag_source);
     auto* const out = static_cast<char*>(target);
-    const std::uint64_t head = values_to_boundary(out, 2 * sizeof(To), count);
+    std::uint64_t head = values_to_boundary(out, 2 * sizeof(To), count);
     join_run<From, To>(in, imag_in, out, head);
+    if constexpr (interleaves_in_lanes<From, To>)
+        head += join_in_lanes<To>(in + head * sizeof(To), imag_in + head * sizeof(To), out + head * 2 * sizeof(To),
+                                  count - head);
     join_run<From, To>(in + head * sizeof(From), imag_in + head * sizeof(From), out + head * 2 * sizeof(To),
                        count - head);
 }
