@@ -52,7 +52,8 @@ public:
     ~VelaError() override;
 
     /// The report, as in the description of the class. Also makes it the last error.
-    /// The pointer is valid until the next `process()` or `what()` anywhere in the process. Where no memory is
+    /// The pointer is valid until the next `process()` or `what()` anywhere in the process, and at most until the
+    /// calling thread ends. Where no memory is
     /// left for the report, this is the bare message, and the last error stays as it was.
     const char* what() const noexcept override;
 
@@ -97,6 +98,7 @@ public:
 
 private:
     void compose(std::string& report) const;
+    void announce(std::string&& report) const;
     void copy_place(const VelaError& other);
 
     const char* file;
@@ -130,7 +132,7 @@ VELA_API void vela_warn(const char* msg, const char* func, const char* file, int
 VELA_API int vela_get_last_error();
 
 /// Report of the last error, without a line break at its end. Valid until the next report or the next call of this
-/// function.
+/// function, and at most until the calling thread ends.
 VELA_API const char* vela_get_last_error_string();
 
 /// Reports what went wrong in an array conversion of a layer outside this library.

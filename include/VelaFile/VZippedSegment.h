@@ -100,7 +100,7 @@ public:
     /// @throws VelaError id -1 "Trying to seek in write mode!"
     /// @throws VelaError id -1 "Invalid position in segment!": the size is known and `target` is not below it, or
     ///         no file position corresponds to it.
-    /// @throws VelaError id -1 "File not open!": not initialised.
+    /// @throws VelaError id -1 "File not open!": not initialised, unless the segment already stands at `target`.
     /// @throws VelaError id -4 "Invalid flush positions in segment!": see `set_flush_positions`.
     /// @throws VelaError as `read` does; the position is then wherever reading stopped.
     std::uint64_t seek(std::uint64_t target) override;
@@ -122,8 +122,8 @@ public:
 
     /// Writes `count` bytes. With null `data` and `count` 0 it finishes the stream as `write_end` does.
     ///
-    /// @throws VelaError id -1 "Trying to write to file in read mode!", also when not initialised
-    /// @throws VelaError id -1 "File not open!": the file was closed.
+    /// @throws VelaError id -1 "Trying to write to file in read mode!", also when never initialised for writing
+    /// @throws VelaError id -1 "File not open!": the file was closed, or `end()` was called.
     /// @throws VelaError id -1 "Trying to write beyond segment boundary!"
     /// @throws VelaError id -1 "Zlib cannot handle chunks larger than 4GB": `count` is above 0xFFFFFFFF, compressed only.
     /// @throws VelaError id -3 "Failed writing %d bytes to file!"
@@ -170,4 +170,6 @@ private:
     bool flush_positions_ascend = true;
     /// A read failed: the stream no longer stands at `pos`.
     bool stream_lost = false;
+    /// The stream was entered at a flush point.
+    bool stream_is_raw = false;
 };

@@ -129,8 +129,12 @@ const char* VelaError::what() const noexcept
 {
     try
     {
-        process();
-        return vela_get_last_error_string();
+        std::string report;
+        compose(report);
+        // This thread's copy first: another thread may report at once, and without memory nothing is to change.
+        const char* const text = Vela::detail::keep_for_thread(report);
+        announce(std::move(report));
+        return text;
     }
     catch (...)
     {
@@ -205,9 +209,15 @@ int VelaError::process() const
 {
     std::string report;
     compose(report);
+    announce(std::move(report));
+    return id;
+}
+
+/// Hands the report to the debug sink and makes it the last error.
+void VelaError::announce(std::string&& report) const
+{
     Vela::platform::debug_line((report + "\n").c_str());
     Vela::detail::set_last_error(id, std::move(report));
-    return id;
 }
 
 void VelaError::do_warn_now() const

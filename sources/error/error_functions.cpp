@@ -12,12 +12,35 @@
 
 namespace {
 
-/// Takes no memory to exist and is never destroyed: an error may be reported while the process ends.
-std::string& last_error_string()
+/// A string that takes no memory to exist and is never destroyed: an error may be reported while the process ends.
+template <int number>
+std::string& lasting_string()
 {
     alignas(std::string) static unsigned char room[sizeof(std::string)];
     static std::string* const text = new (room) std::string;
     return *text;
+}
+
+std::string& last_error_string()
+{
+    return lasting_string<0>();
+}
+
+/// Set once the calling thread's own text is destroyed, as that of the main thread is before static objects are.
+thread_local bool thread_text_ended = false;
+
+struct ThreadText
+{
+    ~ThreadText() { thread_text_ended = true; }
+    std::string text;
+};
+
+std::string& thread_text()
+{
+    if (thread_text_ended)
+        return lasting_string<1>();
+    static thread_local ThreadText own;
+    return own.text;
 }
 
 /// Reports of several threads overwrite each other, but each whole: `what()` is called where errors are printed,
@@ -48,6 +71,13 @@ void Vela::detail::set_last_error(int id, std::string&& report) noexcept
     last_error_string().swap(report);
 }
 
+const char* Vela::detail::keep_for_thread(const std::string& report)
+{
+    std::string& text = thread_text();
+    text = report;
+    return text.c_str();
+}
+
 void vela_err(const char* msg, const char* func, const char* file, int line)
 {
     throw VelaError(Vela::detail::format_without_arguments(msg), func, file, line);
@@ -71,8 +101,7 @@ int vela_get_last_error()
 
 const char* vela_get_last_error_string()
 {
-    // A copy for each thread: nothing that another one reports changes it.
-    static thread_local std::string text;
+    std::string& text = thread_text();
     const std::lock_guard lock(last_error_mutex);
     text = last_error_string();
     return text.c_str();

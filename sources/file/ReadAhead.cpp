@@ -44,19 +44,20 @@ void ReadAhead::read(void* buffer, std::uint64_t size_bytes)
     const std::uint64_t field_end = position + size_bytes;
     while (size_bytes > 0)
     {
-        if (buffered() == 0 && (size_bytes >= capacity || end == all_ones))
+        if (buffered() == 0)
         {
-            file.read(out, size_bytes);
-            return stand_at(field_end);
-        }
-        if (buffered() == 0 && !fill())
-        {
-            // Something behind the field may be what cannot be read, and the field itself has to be named if not.
-            auto* const field = static_cast<unsigned char*>(buffer);
-            size_bytes += static_cast<std::uint64_t>(out - field);
-            file.seek(field_end - size_bytes);
-            file.read(field, size_bytes);
-            return stand_at(field_end);
+            const bool direct = size_bytes >= capacity || end == all_ones;
+            if (direct && try_read(out, size_bytes))
+                return stand_at(field_end);
+            if (direct || !fill())
+            {
+                // Something behind the field may be what cannot be read; else the failure has to name the whole field.
+                auto* const field = static_cast<unsigned char*>(buffer);
+                size_bytes += static_cast<std::uint64_t>(out - field);
+                file.seek(field_end - size_bytes);
+                file.read(field, size_bytes);
+                return stand_at(field_end);
+            }
         }
         const std::uint64_t step = std::min(size_bytes, buffered());
         std::memcpy(out, bytes.data() + (position - buffer_begin), step);
@@ -66,17 +67,25 @@ void ReadAhead::read(void* buffer, std::uint64_t size_bytes)
     }
 }
 
-bool ReadAhead::fill()
+bool ReadAhead::try_read(void* target, std::uint64_t size_bytes)
 {
-    const std::uint64_t count = std::min(capacity, bytes_left());
     try
     {
-        file.read(bytes.data(), count);
+        file.read(target, size_bytes);
+        return true;
     }
     catch (const VelaError&)
     {
         return false;
     }
+}
+
+bool ReadAhead::fill()
+{
+    const std::uint64_t count = std::min(capacity, bytes_left());
+    buffer_begin = buffer_end; // what the buffer holds is lost even if the read fails
+    if (!try_read(bytes.data(), count))
+        return false;
     buffer_begin = position;
     buffer_end = position + count;
     return true;

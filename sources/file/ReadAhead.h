@@ -41,6 +41,8 @@ private:
     std::uint64_t buffered() const { return buffer_end - position; }
     /// Reads the next bytes of the file into the buffer; false when the file does not give them.
     bool fill();
+    /// Reads where the file stands; false when it does not give the bytes.
+    bool try_read(void* target, std::uint64_t size_bytes);
     void stand_at(std::uint64_t file_position);
 
     /// A stack header with its texts mostly fits, and it is one page of the system's cache.

@@ -106,6 +106,7 @@ void VZippedSegment::end()
     std::vector<std::uint64_t>().swap(flush_positions);
     flush_positions_ascend = true;
     stream_lost = false;
+    stream_is_raw = false;
     file = nullptr;
 }
 
@@ -164,6 +165,8 @@ void VZippedSegment::read(void* dest, std::uint64_t count)
     if (size != all_ones && (pos > size || count > size - pos))
         throw_beyond_boundary(__LINE__);
     require_file("VZippedSegment::read", __LINE__);
+    if (count == 0 && stream != nullptr)
+        return;
     if (stream_lost)
         recover();
     // Reading wherever the file happens to stand would give wrong samples.
@@ -356,7 +359,8 @@ void VZippedSegment::jump_to(std::uint64_t target)
 
 void VZippedSegment::restart_at(std::uint64_t restart_pos, std::uint64_t restart_pos_file)
 {
-    stream->restart(restart_pos != 0);
+    stream_is_raw = restart_pos != 0;
+    stream->restart(stream_is_raw);
     pos = restart_pos;
     cur_pos_file = restart_pos_file;
     held = 0;
@@ -369,7 +373,14 @@ void VZippedSegment::recover()
     const std::uint64_t target = pos;
     try
     {
-        jump_to(target);
+        if (stream_is_raw)
+            jump_to(target);
+        else
+        {
+            // From the beginning, as it was: a raw stream would no longer check the trailer.
+            restart_at(0, beg_pos_file);
+            skip_to(target);
+        }
     }
     catch (...)
     {

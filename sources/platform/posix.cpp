@@ -70,18 +70,18 @@ bool prepare(int descriptor, Creation creation)
 template <class SystemCall>
 std::uint64_t transfer(std::uint32_t size_bytes, SystemCall call)
 {
-    errno = 0; // unless a call fails, nothing of an earlier failure is to be seen
     std::uint64_t moved = 0;
     while (moved < size_bytes)
     {
         const std::size_t step = std::min<std::size_t>(size_bytes - moved, max_system_transfer);
         const ssize_t count = retried([&] { return call(moved, step); });
         if (count < 0)
-            break;
+            return moved;
         if (count == 0)
             break;
         moved += static_cast<std::uint64_t>(count);
     }
+    errno = 0; // no call failed: nothing of an earlier failure or interruption is to be seen
     return moved;
 }
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -39,6 +40,23 @@ TEST(VelaErrorThreads, ReportsOfSeveralThreadsStayWhole)
         thread.join();
     for (const int count : torn)
         EXPECT_EQ(count, 0);
+}
+
+/// Reports when static objects are destroyed, after the thread's own ones: a sanitizer sees a text that is gone.
+struct ReportsAtTheEnd
+{
+    ~ReportsAtTheEnd()
+    {
+        if (std::string(VelaError(std::string(200, 'e'), "f", nullptr, 0).what()) != std::string(200, 'e'))
+            std::abort();
+    }
+};
+const ReportsAtTheEnd reports_at_the_end;
+
+TEST(VelaErrorThreads, AReportWhileTheProcessEndsIsWhole)
+{
+    // Used here, so that this thread's text exists and is destroyed before the static object above.
+    EXPECT_STREQ(VelaError(std::string("now"), "f", nullptr, 0).what(), "now");
 }
 
 } // namespace

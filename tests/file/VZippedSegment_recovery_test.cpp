@@ -127,6 +127,22 @@ TEST_F(Recovery, TheSameDamageFailsInTheSameWayAgain)
         EXPECT_VELA_ERROR(segment.read(got.data(), got.size()), -10, "Zip error (-3)!");
 }
 
+TEST_F(Recovery, AReaderFromTheStartStaysOneAndSeesTheTrailerAgain)
+{
+    put_stream(50000, 1);
+    complete(1);
+    segment.set_flush_positions(stream.flush_positions, 50000);
+    const Bytes wrong(1, static_cast<unsigned char>(stream.bytes.back() ^ 1));
+    file.seek(stream.bytes.size() - 1);
+    file.write(wrong.data(), 1);
+    expect_data(0, 150000);
+    Bytes got(150000, 0xA5);
+    for (int time = 0; time < 3; ++time)
+        EXPECT_VELA_ERROR(segment.read(got.data(), got.size()), -10, "Zip error (-3)!");
+    EXPECT_NO_THROW(segment.read(got.data(), 0));
+    EXPECT_EQ(segment.tell(), 150000u);
+}
+
 class TableOfFlushPositions : public Recovery
 {
 protected:

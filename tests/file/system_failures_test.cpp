@@ -195,6 +195,24 @@ TEST_F(SystemFailures, ATransferThatEndsShortShowsNoEarlierSystemError)
     }
 }
 
+TEST_F(SystemFailures, AnInterruptionBeforeTheEndOfTheFileIsNotReported)
+{
+    vela_test::put_bytes(path("data"), data);
+    VFile file(data_name(), VFile::read_mode);
+    Bytes got(data.size() + 1, 0xA5);
+    script.armed = true;
+    script.interruptions = 1;
+    try
+    {
+        file.read(got.data(), got.size());
+        ADD_FAILURE() << "no failure";
+    }
+    catch (const VelaError& error)
+    {
+        EXPECT_EQ(error.get_oserr_id(), 0);
+    }
+}
+
 TEST_F(SystemFailures, AFileOpensUnlockedWhereTheFileSystemCannotLock)
 {
     vela_test::put_bytes(path("data"), data);
