@@ -15,3 +15,5 @@
 #include <VelaFile/VZippedSegment.h>
 #include <VelaFile/handle.h>
 #include <VelaProps/VPropstring.h>
+#include <si/fraction.h>
+#include <si/value.h>
