@@ -1,6 +1,14 @@
 /// Everything.
 #pragma once
 
+#include <Json/ListSource.h>
+#include <Json/Map.h>
+#include <Json/NoParameterError.h>
+#include <Json/Reader.h>
+#include <Json/SignalingReference.h>
+#include <Json/Value.h>
+#include <Json/XmlReader.h>
+#include <Json/write.h>
 #include <Ome/enums.h>
 #include <VelaBase/VCriticalSection.h>
 #include <VelaBase/VTypemap.h>
