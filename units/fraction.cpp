@@ -37,11 +37,31 @@ int read_digits(std::string_view digits)
     return static_cast<int>(number);
 }
 
+/// What `fraction::reduce` does.
+void reduce_pair(int& numerator, int& denominator)
+{
+    if (numerator == 0)
+        denominator = 1;
+    if (denominator == 1) // the loop below would find 1
+        return;
+    // In 64 bits INT_MIN has a quotient and a remainder by -1.
+    std::int64_t divisor = numerator;
+    std::int64_t rest = denominator;
+    while (rest != 0)
+    {
+        const std::int64_t next = divisor % rest;
+        divisor = rest;
+        rest = next;
+    }
+    numerator = wrapped(numerator / divisor);
+    denominator = wrapped(denominator / divisor);
+}
+
 } // namespace
 
 fraction::fraction(int n, int d) : numerator_(n), denominator_(d)
 {
-    reduce();
+    reduce_pair(numerator_, denominator_);
 }
 
 fraction fraction::unreduced(int n, int d)
@@ -52,52 +72,46 @@ fraction fraction::unreduced(int n, int d)
     return result;
 }
 
-// `other` may be this fraction: each of these reads all it needs before it writes.
-
 fraction& fraction::operator*=(const fraction& other)
 {
-    return *this = fraction(wrapped(product(numerator_, other.numerator_)),
-                            wrapped(product(denominator_, other.denominator_)));
+    denominator_ = wrapped(product(denominator_, other.denominator_));
+    numerator_ = wrapped(product(numerator_, other.numerator_));
+    reduce_pair(numerator_, denominator_);
+    return *this;
 }
+
+// `other` may be this fraction: the rest read all that they need before they write.
 
 fraction& fraction::operator/=(const fraction& other)
 {
-    return *this = fraction(wrapped(product(numerator_, other.denominator_)),
-                            wrapped(product(denominator_, other.numerator_)));
+    const std::int64_t n = product(numerator_, other.denominator_);
+    denominator_ = wrapped(product(denominator_, other.numerator_));
+    numerator_ = wrapped(n);
+    reduce_pair(numerator_, denominator_);
+    return *this;
 }
 
 fraction& fraction::operator+=(const fraction& other)
 {
     const std::int64_t n = sum(product(other.numerator_, denominator_), product(numerator_, other.denominator_));
-    return *this = fraction(wrapped(n), wrapped(product(other.denominator_, denominator_)));
+    denominator_ = wrapped(product(other.denominator_, denominator_));
+    numerator_ = wrapped(n);
+    reduce_pair(numerator_, denominator_);
+    return *this;
 }
 
 fraction& fraction::operator-=(const fraction& other)
 {
     const std::int64_t n = sum(product(numerator_, other.denominator_), -product(denominator_, other.numerator_));
-    return *this = fraction(wrapped(n), wrapped(product(other.denominator_, denominator_)));
+    denominator_ = wrapped(product(other.denominator_, denominator_));
+    numerator_ = wrapped(n);
+    reduce_pair(numerator_, denominator_);
+    return *this;
 }
 
 void fraction::reduce()
 {
-    if (numerator_ == 0)
-    {
-        denominator_ = 1;
-        return;
-    }
-    if (denominator_ == 1) // the loop below would find 1
-        return;
-    // In 64 bits INT_MIN has a quotient and a remainder by -1.
-    std::int64_t divisor = numerator_;
-    std::int64_t rest = denominator_;
-    while (rest != 0)
-    {
-        const std::int64_t next = divisor % rest;
-        divisor = rest;
-        rest = next;
-    }
-    numerator_ = wrapped(numerator_ / divisor);
-    denominator_ = wrapped(denominator_ / divisor);
+    reduce_pair(numerator_, denominator_);
 }
 
 bool fraction::parse(const std::string& text)

@@ -60,6 +60,8 @@ public:
     bool parse(value& result)
     {
         find_marks();
+        steps.reserve(marks.size());
+        values.reserve(3);
         steps.push_back({0, {0, marks.size() - 1}});
         while (!steps.empty())
         {
