@@ -146,7 +146,15 @@ public:
     ///
     /// `precision` is the count of significant digits; numbers outside 0.01 to 1000 get an exponent. The unit is the
     /// first of the table with this dimension, or is composed of base units, as in "m*kg/s^2", and then without
-    /// prefix. Text in atto units, prefix "a", cannot be read back. A number that is not finite has the exponent 0.
+    /// prefix. 0 prints as "0.000" and 1 as "1", whatever the precision.
+    ///
+    /// Not every text can be read back: atto units, prefix "a", cannot, nor can a composed power whose denominator is
+    /// negative, as in "m^(1/-2)". A number that is not finite has the exponent 0; the two least numbers above 0,
+    /// whose power of ten is none of `double`, print as infinite.
+    ///
+    /// Any precision is taken. The text is as long as that of `printf`: where digits are needed behind the point, those
+    /// that `double` does not have are zeros, and a thousand million of them are a gigabyte. With a precision below 1
+    /// an exponent stands behind 6 digits, as `printf` has it.
     std::string format(int precision, int flags) const;
 
     /// The same in two texts.
