@@ -11,7 +11,7 @@ namespace Json {
 VELA_ABI_NAMESPACE_BEGIN
 
 Reader::Unexpected::Unexpected(char character, const std::string& kind)
-    : std::runtime_error(std::string("Unexpected '") + character + "' character in " + kind + " value")
+    : std::runtime_error("Unexpected '" + std::string(1, character) + "' character in " + kind + " value")
 {
 }
 

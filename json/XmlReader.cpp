@@ -38,7 +38,7 @@ bool advance(int& position, const char* letters, char c)
 }
 
 XmlReader::Unexpected::Unexpected(char character, const std::string& words)
-    : std::runtime_error(std::string("Unexpected ") + character + " " + words)
+    : std::runtime_error("Unexpected " + std::string(1, character) + " " + words)
 {
 }
 

@@ -18,6 +18,9 @@ VELA_ABI_NAMESPACE_BEGIN
 
 namespace detail {
 
+struct TreeCopier;
+struct TreeDestroyer;
+
 /// Throws a `std::bad_cast` with the text "bad cast".
 [[noreturn]] VELA_API void throw_bad_cast();
 
@@ -191,15 +194,15 @@ private:
         boost::shared_ptr<const ListSource> source;
     };
 
-    void copy_from(const Value& other);
+    void copy_scalar(const Value& other);
     void take_from(Value& other) noexcept;
     void clear() noexcept;
     void destroy_payload() noexcept;
     SourcedList& as_sourced_list();
     void fill_to(std::size_t end) const;
 
-    friend struct TreeCopier;
-    friend struct TreeDestroyer;
+    friend struct detail::TreeCopier;
+    friend struct detail::TreeDestroyer;
 
     Kind kind_;
     union
