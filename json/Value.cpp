@@ -56,11 +56,6 @@ Value::Value(List list) noexcept : kind_(Kind::list), list_{std::move(list), {}}
 
 Value::Value(boost::shared_ptr<const ListSource> source) noexcept : kind_(Kind::list), list_{{}, std::move(source)} {}
 
-Value::~Value()
-{
-    destroy_payload();
-}
-
 Value& Value::operator=(const Value& other)
 {
     if (is_string() && other.is_string())
@@ -74,6 +69,12 @@ Value& Value::operator=(Value&& other) noexcept
 {
     if (this == &other)
         return *this;
+    if (!is_list() && !is_object()) // nothing is part of this one
+    {
+        clear();
+        take_from(other);
+        return *this;
+    }
     Value taken(std::move(other)); // which may be part of this one
     clear();
     take_from(taken);
@@ -137,7 +138,8 @@ void Value::take_from(Value& other) noexcept
 
 void Value::clear() noexcept
 {
-    destroy_payload();
+    if (owns_memory())
+        destroy_payload();
     kind_ = Kind::null;
 }
 

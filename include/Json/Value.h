@@ -63,7 +63,11 @@ struct VELA_API Value
     Value() noexcept;
     Value(const Value& other);
     Value(Value&& other) noexcept;
-    ~Value();
+    ~Value() // here, as most values of a tree own nothing
+    {
+        if (owns_memory())
+            destroy_payload();
+    }
 
     template <class T, std::enable_if_t<std::is_same_v<T, bool>, int> = 0>
     Value(T boolean) noexcept : kind_(Kind::boolean), boolean_(boolean)
@@ -187,6 +191,8 @@ struct VELA_API Value
     /// @}
 
 private:
+    bool owns_memory() const noexcept { return is_string() || is_list() || is_object(); }
+
     /// A list, and what makes the elements that it does not hold yet.
     struct SourcedList
     {
