@@ -4,6 +4,7 @@
 #include <Json/Value.h>
 #include <VelaBase/export.h>
 
+#include <cstddef>
 #include <deque>
 #include <stdexcept>
 #include <string>
@@ -54,34 +55,35 @@ public:
     void clear();
 
 private:
-    enum class Step;
-
     void read_string(const char*& p, const char* end);
     void read_escape(char c);
     void end_string();
     void read_number(const char*& p, const char* end);
-    void end_number();
-    bool in_keyword() const;
+    void store_number();
     void read_keyword(char c);
-    Step read_before_value(char c);
-    Step begin_value(char c);
+    bool read_token(char c);
+    bool begin_key(char c);
+    void read_colon(char c);
+    bool begin_value(char c);
+    void begin_keyword(const char* keyword);
+    Value& take_slot();
     bool read_structure(char c);
-    void open(Value& container);
+    void open_list(Value& value);
+    void open_object(Value& value);
     void close();
 
     Value root_;
     std::deque<Value*> open_; ///< from the root down
     std::string key_;
     std::string number_;
-    std::string* text_ = nullptr;             ///< receives characters; null outside a string
-    Value* slot_ = nullptr;                   ///< where the next value goes; null where none is due
-    Value::List* list_ = nullptr;             ///< the innermost open container is this
-    Value::Object* current_object_ = nullptr; ///< or this
+    std::string* text_ = nullptr;      ///< receives characters; null outside a string
+    Value* slot_ = nullptr;            ///< where the next value goes; null where none is due
+    Value::List* list_ = nullptr;      ///< the innermost open container is this
+    Value::Object* members_ = nullptr; ///< or this
     bool in_number_ = false;
     bool in_escape_ = false;
-    std::size_t true_position_ = 0; ///< in the keyword; 0 outside
-    std::size_t false_position_ = 0;
-    std::size_t null_position_ = 0;
+    const char* keyword_ = nullptr; ///< that is being read; null outside
+    std::size_t keyword_position_ = 0;
     bool expect_key_ = false;
     bool expect_colon_ = false;
 };

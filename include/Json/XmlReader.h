@@ -8,7 +8,6 @@
 #include <iosfwd>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 namespace Json {
 VELA_ABI_NAMESPACE_BEGIN
@@ -70,28 +69,35 @@ public:
     void clear();
 
 private:
-    using Element = Value::Object::value_type;
+    struct Element
+    {
+        const std::string* name;
+        Value* value;
+    };
 
+    void read_run(const char*& p, const char* end);
     bool read(char c);
-    bool read_value(char c);
+    void read_value(char c);
     void read_reference(char c);
-    void end_value(char c);
-    void store_value();
-    void read_unquoted_kind(char c);
-    bool read_attribute(char c);
+    void read_undecided(char c);
+    void end_value();
+    void store_number();
+    void read_attribute(char c);
     void begin_attribute();
     bool read_tag_body(char c);
     bool end_tag_body();
     void read_between_tags(char c);
     bool read_tag_name(char c);
-    void end_tag_name();
-    void open_element();
-    bool after_tag_name(char c);
-    Value& innermost();
+    void begin_tag(char c);
+    void end_tag_name(const std::string& name);
+    void open_element(const std::string& name);
+    void close_element(const std::string& name);
+    bool after_tag_name(char c, const std::string& name);
+    bool end_of_end_tag();
 
     Value::Object declaration_; ///< attributes of the processing instruction
     Value& target_;
-    std::deque<Element*> open_;
+    std::deque<Element> open_; ///< from the root down
     Value* slot_ = nullptr;
     std::string text_; ///< also holds names
     std::string entity_;
