@@ -14,7 +14,7 @@ VELA_ABI_NAMESPACE_BEGIN
 
 /// Is told when a field has changed. `T` is the type that the field is read as.
 template <class T>
-class ChangeHandler
+class VELA_API ChangeHandler
 {
 public:
     virtual ~ChangeHandler() = default;
@@ -98,7 +98,7 @@ struct Access<Value::Object>
 /// A reference to one slot of a value tree, which must outlive it.
 ///
 /// Its fields are `SignalingReference::Field<T>`. The records of `Ome/` are templates over this class.
-class SignalingReference
+class VELA_API SignalingReference
 {
 public:
     SignalingReference(Value& slot) noexcept : slot_(&slot) {}
@@ -138,7 +138,7 @@ private:
 };
 
 template <class T>
-class SignalingReference::Field : public SignalingReference
+class VELA_API SignalingReference::Field : public SignalingReference
 {
 public:
     /// What the field is read as.

@@ -18,135 +18,135 @@ VELA_ABI_NAMESPACE_BEGIN
 namespace check {
 
 /// An object.
-struct Structure
+struct VELA_API Structure
 {
     using type = Json::Value::Object;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
-struct String
+struct VELA_API String
 {
     using type = std::string;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
-struct Boolean
+struct VELA_API Boolean
 {
     using type = bool;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
-struct Integer
+struct VELA_API Integer
 {
     using type = std::int64_t;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// An integer, 0 or above.
-struct NonNegativeInt
+struct VELA_API NonNegativeInt
 {
     using type = std::int64_t;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// An integer above 0.
-struct PositiveInt
+struct VELA_API PositiveInt
 {
     using type = std::int64_t;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A decimal or an integer.
-struct Number
+struct VELA_API Number
 {
     using type = double;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A number above 0.
-struct PositiveFloat
+struct VELA_API PositiveFloat
 {
     using type = double;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A number from 0 to 1, both included.
-struct PercentFraction
+struct VELA_API PercentFraction
 {
     using type = double;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// Date and time in the form of ISO 8601, as in "2026-11-20T09:30:00+01:00". A local time without offset
 /// that the time zone of the process leaves out is none.
-struct Timestamp
+struct VELA_API Timestamp
 {
     using type = std::string;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A text that is a UUID, and not the null one, from its tenth character on, behind "urn:uuid:".
-struct Uuid
+struct VELA_API Uuid
 {
     using type = std::string;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// Ym Zm Em Pm Tm Gm Mm km hm dam m dm cm mm um (with the micro sign) nm pm fm am zm ym, the angstrom sign U+212B,
 /// thou li in ft yd mi ua ly pc pt pixel, and "reference frame".
-struct LengthUnit
+struct VELA_API LengthUnit
 {
     using type = std::string;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// W with the prefixes of `LengthUnit`.
-struct PowerUnit
+struct VELA_API PowerUnit
 {
     using type = std::string;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// s with the prefixes of `LengthUnit`, min and h.
-struct TimeUnit
+struct VELA_API TimeUnit
 {
     using type = std::string;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A text of the enumeration.
-struct AcquisitionMode
+struct VELA_API AcquisitionMode
 {
     using type = Ome::AcquisitionMode;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A text of the enumeration.
-struct ContrastMethod
+struct VELA_API ContrastMethod
 {
     using type = Ome::ContrastMethod;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A text of the enumeration.
-struct DimensionOrder
+struct VELA_API DimensionOrder
 {
     using type = Ome::DimensionOrder;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A text of the enumeration.
-struct IlluminationType
+struct VELA_API IlluminationType
 {
     using type = Ome::IlluminationType;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 /// A text of the enumeration `Type`.
-struct PixelType
+struct VELA_API PixelType
 {
     using type = Ome::Type;
-    VELA_API static bool check(const Json::Value& value);
+    static bool check(const Json::Value& value);
 };
 
 }

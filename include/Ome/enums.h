@@ -13,7 +13,7 @@ namespace Ome {
 VELA_ABI_NAMESPACE_BEGIN
 
 /// The pixel type. Names that C++ does not allow are `float32`, `float64`, `complex64` and `complex128`.
-enum class Type : std::int32_t
+enum class VELA_API Type : std::int32_t
 {
     bit = 0, ///< "bit"; no sample type corresponds to it
     int8 = 1,
@@ -29,7 +29,7 @@ enum class Type : std::int32_t
 };
 
 /// The order of the dimensions, the one that runs fastest first.
-enum class DimensionOrder : std::int32_t
+enum class VELA_API DimensionOrder : std::int32_t
 {
     XYZCT = 0,
     XYZTC = 1,
@@ -40,7 +40,7 @@ enum class DimensionOrder : std::int32_t
 };
 
 /// How a channel is illuminated.
-enum class IlluminationType : std::int32_t
+enum class VELA_API IlluminationType : std::int32_t
 {
     Transmitted = 0,
     Epifluorescence = 1,
@@ -50,7 +50,7 @@ enum class IlluminationType : std::int32_t
 };
 
 /// How a channel is acquired.
-enum class AcquisitionMode : std::int32_t
+enum class VELA_API AcquisitionMode : std::int32_t
 {
     WideField = 0,
     LaserScanningConfocalMicroscopy = 1,
@@ -75,7 +75,7 @@ enum class AcquisitionMode : std::int32_t
 };
 
 /// What makes the contrast of a channel.
-enum class ContrastMethod : std::int32_t
+enum class VELA_API ContrastMethod : std::int32_t
 {
     Brightfield = 0,
     Phase = 1,
