@@ -148,22 +148,14 @@ void Value::clear() noexcept
 
 void Value::destroy_payload() noexcept
 {
-    switch (kind_)
-    {
-    case Kind::string:
+    if (is_list() || is_object())
+        detail::TreeDestroyer::empty(*this); // what it leaves may be a container of the other kind
+    if (is_string())
         string_.~basic_string();
-        break;
-    case Kind::list:
-        detail::TreeDestroyer::empty(*this);
+    else if (is_list())
         list_.~SourcedList();
-        break;
-    case Kind::object:
-        detail::TreeDestroyer::empty(*this);
+    else if (is_object())
         object_.~Object();
-        break;
-    default:
-        break;
-    }
 }
 
 const Value::List* Value::if_list() const
