@@ -2,7 +2,7 @@
 #include <Json/write.h>
 #include <Ome/Image.h>
 
-#include <boost/make_shared.hpp>
+#include <boost/shared_ptr.hpp>
 #include <iostream>
 #include <typeinfo>
 
@@ -18,7 +18,7 @@ int main()
 {
     Json::Value tree; // outlives the record
     Ome::Image<Reference> image(tree);
-    image.name.set_change_handler(boost::make_shared<NameHandler>());
+    image.name.set_change_handler(boost::shared_ptr<NameHandler>(new NameHandler));
 
     image.name = "embryo";
     image.type = Ome::Type::uint16;
