@@ -51,12 +51,16 @@ const unit* find_named_unit(const value& quantity)
     return nullptr;
 }
 
-/// An exponent of positive numerator as text.
-std::string power_text(std::int64_t numerator, int denominator)
+/// A base unit with its power, whose numerator is positive.
+void append_power(std::string& text, const std::string& name, std::int64_t numerator, int denominator)
 {
+    text += name;
+    if (numerator == 1 && denominator == 1)
+        return;
+    text += denominator == 1 ? "^" : "^(";
+    text += std::to_string(numerator);
     if (denominator != 1)
-        return "^(" + std::to_string(numerator) + "/" + std::to_string(denominator) + ")";
-    return numerator == 1 ? "" : "^" + std::to_string(numerator);
+        text.append("/").append(std::to_string(denominator)).append(")");
 }
 
 /// The dimension in base units, as "m*kg/s^2".
@@ -74,11 +78,12 @@ std::string composed_unit(const value& quantity, int flags)
         const std::int64_t numerator = exponent.numerator();
         if (numerator == 0)
             continue;
-        const std::string factor = unit_table()[i].name() + power_text(std::abs(numerator), exponent.denominator());
+        std::string& text = numerator < 0 ? denominators : numerators;
         if (numerator < 0)
-            denominators += "/" + factor;
-        else
-            numerators += (numerators.empty() ? "" : "*") + factor;
+            text += '/';
+        else if (!text.empty())
+            text += '*';
+        append_power(text, unit_table()[i].name(), std::abs(numerator), exponent.denominator());
     }
     if (numerators.empty() && (flags & value::with_blank) != 0)
         numerators = "1";

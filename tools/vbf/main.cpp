@@ -1,4 +1,4 @@
-// vbf: lists, reads and shows the image stacks of VBF files.
+// vbf: lists, reads and shows the image stacks of VBF files, and reads physical quantities.
 //
 // Data go to standard output, messages to standard error.
 // Exit status: 0 done, 1 failed, 2 wrong usage.
@@ -6,6 +6,7 @@
 #include "info.h"
 #include "preview.h"
 #include "read.h"
+#include "unit.h"
 
 #include <VelaBase/VelaError.h>
 #include <VelaBase/version.h>
@@ -90,6 +91,15 @@ CLI::App* add_preview(CLI::App& app, PreviewOptions& options)
     return command;
 }
 
+CLI::App* add_unit(CLI::App& app, UnitOptions& options)
+{
+    CLI::App* const command = app.add_subcommand("unit", "read a physical quantity, convert and print it");
+    command->add_option("TEXT", options.text, "a quantity such as '1.5 mm' or '3 kg*m/s^2'")->required()->type_name("");
+    command->add_option("--in", options.in, "show it in this unit")->type_name("UNIT");
+    command->add_flag("--json", options.json, "print one JSON document");
+    return command;
+}
+
 /// Help and version are no failures, though CLI11 throws them.
 int answer(const CLI::App& app, const CLI::ParseError& error)
 {
@@ -103,15 +113,17 @@ int answer(const CLI::App& app, const CLI::ParseError& error)
 
 int run(int argc, char** argv)
 {
-    CLI::App app("Lists, reads and shows the image stacks of VBF files.", "vbf");
+    CLI::App app("Lists, reads and shows the image stacks of VBF files, and reads physical quantities.", "vbf");
     app.set_version_flag("--version", version_text());
     app.require_subcommand(1);
     InfoOptions info_options;
     ReadOptions read_options;
     PreviewOptions preview_options;
+    UnitOptions unit_options;
     const CLI::App* const info = add_info(app, info_options);
     const CLI::App* const read = add_read(app, read_options);
     const CLI::App* const preview = add_preview(app, preview_options);
+    const CLI::App* const unit = add_unit(app, unit_options);
     try
     {
         app.parse(argc, argv);
@@ -126,6 +138,8 @@ int run(int argc, char** argv)
         read_samples(read_options);
     if (preview->parsed())
         write_preview(preview_options);
+    if (unit->parsed())
+        print_unit(unit_options);
     return done;
 }
 
