@@ -90,42 +90,65 @@ std::uint64_t packed(std::string_view name)
     return key;
 }
 
-struct named_units
+/// A number that is the same for compatible values and rarely for others.
+std::uint64_t dimension_key(const value& quantity)
 {
-    named_units() : rows(make_table())
+    std::uint64_t key = 0;
+    for (std::size_t i = 0; i < value::dimension_count; ++i)
+        key = key * 31 + static_cast<std::uint32_t>(quantity.exponent(i).numerator());
+    return key;
+}
+
+/// The rows, and keys of theirs that lie close together: most of a search is not to find something.
+struct searchable_table
+{
+    searchable_table() : rows(make_table())
     {
         for (const unit& row : rows)
-            keys.push_back(packed(row.name()));
+        {
+            names.push_back(packed(row.name()));
+            dimensions.push_back(dimension_key(row));
+        }
     }
 
     const std::vector<unit> rows;
-    std::vector<std::uint64_t> keys; ///< of the rows
+    std::vector<std::uint64_t> names, dimensions;
 };
 
-const named_units& units()
+const searchable_table& table()
 {
     // Never destroyed: the destructor of some static object may still read or print a value.
-    static const named_units* const table = new named_units;
-    return *table;
+    static const searchable_table* const units = new searchable_table;
+    return *units;
 }
 
 } // namespace
 
 const std::vector<unit>& unit_table()
 {
-    return units().rows;
+    return table().rows;
 }
 
 const unit* find_unit(std::string_view name)
 {
     if (name.size() > longest_name)
         return nullptr;
-    const named_units& table = units();
-    const auto found = std::find(table.keys.begin(), table.keys.end(), packed(name));
-    if (found == table.keys.end())
+    const searchable_table& units = table();
+    const auto found = std::find(units.names.begin(), units.names.end(), packed(name));
+    if (found == units.names.end())
         return nullptr;
-    const unit& row = table.rows[static_cast<std::size_t>(found - table.keys.begin())];
+    const unit& row = units.rows[static_cast<std::size_t>(found - units.names.begin())];
     return row.name() == name ? &row : nullptr; // a zero byte at the end packs like no byte
+}
+
+const unit* find_compatible_unit(const value& quantity, std::size_t first_row)
+{
+    const searchable_table& units = table();
+    const std::uint64_t key = dimension_key(quantity);
+    for (std::size_t i = first_row; i < units.rows.size(); ++i)
+        if (units.dimensions[i] == key && units.rows[i].is_compatible(quantity))
+            return &units.rows[i];
+    return nullptr;
 }
 
 VELA_ABI_NAMESPACE_END

@@ -3,6 +3,7 @@
 
 #include <si/value.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +40,9 @@ const std::vector<unit>& unit_table();
 
 /// The first unit of this name, null if there is none.
 const unit* find_unit(std::string_view name);
+
+/// The first unit from row `first_row` on that is compatible with `quantity`, null if there is none.
+const unit* find_compatible_unit(const value& quantity, std::size_t first_row);
 
 VELA_ABI_NAMESPACE_END
 }

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 
 namespace si {
 VELA_ABI_NAMESPACE_BEGIN
@@ -39,16 +40,12 @@ bool is_unwieldy(double number)
 const unit* find_named_unit(const value& quantity)
 {
     const double number = quantity.value_in_baseunits();
-    for (const unit& row : unit_table())
-    {
-        if (!row.is_compatible(quantity))
-            continue;
-        const bool is_skipped =
-            row.name() == "kg" || (row.name() == "t" && number < 1000) || (row.name() == "g" && number > 1000);
-        if (!is_skipped)
-            return &row;
-    }
-    return nullptr;
+    const auto is_skipped = [number](const std::string& name)
+    { return name == "kg" || (name == "t" && number < 1000) || (name == "g" && number > 1000); };
+    const unit* row = find_compatible_unit(quantity, 0);
+    while (row != nullptr && is_skipped(row->name()))
+        row = find_compatible_unit(quantity, static_cast<std::size_t>(row - unit_table().data()) + 1);
+    return row;
 }
 
 /// A base unit with its power, whose numerator is positive.
@@ -142,14 +139,14 @@ void value::format(std::string& number, std::string& unit, int precision, int fl
     if (number_ == 0)
     {
         number = fixed_text(0, 3);
-        unit = unit_text;
+        unit = std::move(unit_text);
         return;
     }
     if (named != nullptr && wants_prefix(*this, flags))
         if (const int exponent = take_prefix(mantissa, *named, flags); exponent != 0)
             unit_text.insert(unit_text.begin(), prefix_byte(exponent));
     number = number_text(mantissa, precision);
-    unit = unit_text;
+    unit = std::move(unit_text);
 }
 
 std::string value::format(int precision, int flags) const

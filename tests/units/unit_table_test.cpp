@@ -105,3 +105,26 @@ TEST(UnitTableTest, OtherNamesAreNotFound)
          {"min"s, "M"s, "angstro"s, "angstroms"s, "m "s, "m\0"s, "\0"s, std::string(100, 'm')})
         EXPECT_EQ(find_unit(name), nullptr) << name;
 }
+
+TEST(UnitTableTest, FirstCompatibleRowIsFound)
+{
+    for (std::size_t row = 0; row < unit_table().size(); ++row)
+    {
+        const unit& expected = unit_table()[row];
+        EXPECT_EQ(find_compatible_unit(expected, row), &expected);
+        const unit* const first = find_compatible_unit(expected * 7, 0);
+        ASSERT_NE(first, nullptr) << expected.name();
+        EXPECT_TRUE(first->is_compatible(expected)) << expected.name();
+        EXPECT_LE(first, &expected) << expected.name();
+    }
+    EXPECT_EQ(find_compatible_unit(value("Gy"), 0)->name(), "Gy");
+    EXPECT_EQ(find_compatible_unit(value("Bq"), 0)->name(), "Hz");
+    EXPECT_EQ(find_compatible_unit(value("Bq"), 11)->name(), "Bq");
+}
+
+TEST(UnitTableTest, OtherDimensionsAndInvalidValuesHaveNoRow)
+{
+    for (const char* const text : {"m^5", "m^(1/2)", "1/m", "no unit"})
+        EXPECT_EQ(find_compatible_unit(value(text), 0), nullptr) << text;
+    EXPECT_EQ(find_compatible_unit(value("Ci"), unit_table().size()), nullptr);
+}
