@@ -43,7 +43,7 @@ std::string composed(const NaiveQuantity& quantity, int flags)
             factor += "^(" + size + "/" + std::to_string(exponent.denominator) + ")";
         else if (size != "1")
             factor += "^" + size;
-        if ((exponent.numerator < 0) != (exponent.denominator < 0))
+        if (exponent.numerator < 0)
             below += "/" + factor;
         else
             above += (above.empty() ? "" : "*") + factor;

@@ -44,8 +44,8 @@ NaiveQuantity any_quantity(std::mt19937_64& random)
         else if (random() % 3 == 0)
         {
             const auto numerator = static_cast<std::int64_t>(random() % 9) - 4;
-            const auto denominator = static_cast<std::int64_t>(random() % 3) + 1;
-            if (numerator != 0)
+            const auto denominator = static_cast<std::int64_t>(random() % 6) - 2;
+            if (numerator != 0 && denominator != 0)
                 quantity.exponents[i] = {numerator, denominator};
         }
     return quantity;

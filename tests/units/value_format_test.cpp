@@ -218,6 +218,10 @@ TEST(ValueFormat, APrecisionOfZeroOrLess)
     EXPECT_EQ(value(1234.0).format(0, 0), "1.234000e3");
     EXPECT_EQ(value(1234.0).format(-7, 0), "1.234000e3");
     EXPECT_EQ(value(1234.0).format(1, 0), "1e3");
+    const int lowest = std::numeric_limits<int>::min();
+    EXPECT_EQ(value(5.4).format(lowest, 0), "5");
+    EXPECT_EQ(value(0.25).format(lowest, 0), "0");
+    EXPECT_EQ(value(1234.0).format(lowest, 0), "1.234000e3");
 }
 
 TEST(ValueFormat, ALargePrecisionPrintsAllItsDigits)
@@ -244,9 +248,10 @@ TEST(ValueFormat, TinyNumbers)
     EXPECT_EQ(value(3e-310).format(3, 0), "3.00e-310");
 }
 
-// Ten to the -324 is no double, yet it is what the number has to be divided by.
-TEST(ValueFormat, TheTiniestNumber)
+// Ten to the -324 is no double, yet it is what the two tiniest numbers have to be divided by.
+TEST(ValueFormat, TheTiniestNumbersAreFinite)
 {
+    EXPECT_EQ(value(2 * std::numeric_limits<double>::denorm_min()).format(3, 0), "9.88e-324");
     EXPECT_EQ(value(std::numeric_limits<double>::denorm_min()).format(3, 0), "4.94e-324");
     EXPECT_EQ(metres(-std::numeric_limits<double>::denorm_min()).format(2, 3), "-4.9e-324 m");
 }
@@ -313,11 +318,20 @@ TEST(ValueFormatComposed, PowersAreWrittenAsTheyStand)
     EXPECT_EQ(quantity(2, {{metre, fraction::unreduced(1, 0)}}).format(2, 1), "2.0 m^(1/0)");
 }
 
-// 1/-2 is a negative number: below the line, with the numerator's absolute value and the denominator as it stands.
-TEST(ValueFormatComposed, ASignInTheDenominatorIsPrinted)
+TEST(ValueFormatComposed, TheSignOfAnExponentIsThatOfItsNumerator)
 {
-    EXPECT_EQ((metres(4) ^ fraction(-1, 2)).format(2, 1), "0.50 1/m^(1/-2)");
-    EXPECT_EQ((metres(4) ^ fraction(-1, 2)).format(2, 0), "0.50/m^(1/-2)");
+    EXPECT_EQ((metres(4) ^ fraction(-1, 2)).format(2, 1), "0.50 m^(1/-2)");
+    EXPECT_EQ((metres(4) ^ fraction(-1, 2)).format(2, 0), "0.50m^(1/-2)");
+    EXPECT_EQ((metres(8) ^ fraction(-2, 3)).format(2, 1), "0.25 1/m^(2/3)");
+    EXPECT_EQ(quantity(2, {{metre, fraction::unreduced(-1, -2)}}).format(2, 1), "2.0 1/m^(1/-2)");
+    EXPECT_EQ(quantity(2, {{second, fraction::unreduced(1, -1)}}).format(2, 1), "2.0 s^(1/-1)");
+}
+
+TEST(ValueFormatComposed, AnExponentOfZeroIsLeftOutHoweverItIsWritten)
+{
+    EXPECT_EQ(quantity(2, {{metre, 5}, {second, fraction::unreduced(0, 5)}}).format(2, 1), "2.0 m^5");
+    EXPECT_EQ(quantity(2, {{metre, fraction::unreduced(0, 5)}}).format(2, 1), "2.0 1");
+    EXPECT_EQ(quantity(2, {{metre, fraction::unreduced(0, 5)}}).format(2, 0), "2.0");
 }
 
 TEST(ValueFormatComposed, HasNoPrefix)
@@ -331,7 +345,7 @@ TEST(ValueFormatComposed, HasNoPrefix)
 TEST(ValueFormatComposed, UnreducedExponentsMatchNoRow)
 {
     EXPECT_EQ(quantity(1500, {{metre, fraction::unreduced(2, 2)}}).format(3, 3), "1.50e3 m^(2/2)");
-    EXPECT_EQ(quantity(1500, {{second, fraction::unreduced(1, -1)}}).format(3, 3), "1.50e3 1/s^(1/-1)");
+    EXPECT_EQ(quantity(1500, {{second, fraction::unreduced(1, -1)}}).format(3, 3), "1.50e3 s^(1/-1)");
 }
 
 TEST(ValueFormatComposed, TheLowestExponentPrints)

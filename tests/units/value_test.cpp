@@ -47,6 +47,33 @@ TEST(Value, ANumberHasNoDimension)
     EXPECT_TRUE(value(std::numeric_limits<double>::quiet_NaN()).is_valid());
 }
 
+TEST(Value, ANumberMayBeOfAnyType)
+{
+    EXPECT_TRUE(is_quantity(value(0), 0, "")) << "and no null pointer";
+    EXPECT_TRUE(is_quantity(value(0u), 0, ""));
+    EXPECT_TRUE(is_quantity(value(0L), 0, ""));
+    EXPECT_TRUE(is_quantity(value(7LL), 7, ""));
+    EXPECT_TRUE(is_quantity(value(0.5f), 0.5, ""));
+    const value converted = 0;
+    EXPECT_TRUE(is_quantity(converted, 0, ""));
+    value assigned("5 m/s");
+    assigned = 0;
+    EXPECT_TRUE(is_quantity(assigned, 0, ""));
+    assigned = 4u;
+    EXPECT_TRUE(is_quantity(assigned, 4, ""));
+    assigned = 0.25f;
+    EXPECT_TRUE(is_quantity(assigned, 0.25, ""));
+}
+
+TEST(Value, ANullTextLeavesTheNumberOneInvalid)
+{
+    const char* const null = nullptr;
+    EXPECT_TRUE(is_invalid(value(null)));
+    value assigned("5 m/s");
+    assigned = null;
+    EXPECT_TRUE(is_invalid(assigned));
+}
+
 TEST(Value, ATextIsRead)
 {
     EXPECT_TRUE(is_quantity(value(std::string("5 m/s")), 5, "m s^-1"));
