@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -102,7 +103,7 @@ struct VELA_API Value
     }
 
     /// A list that fills itself from `source` as far as it is looked at. `source` must not be null.
-    explicit Value(boost::shared_ptr<const ListSource> source) noexcept;
+    explicit Value(boost::shared_ptr<const ListSource> source);
 
     Value& operator=(const Value& other);
     Value& operator=(Value&& other) noexcept;
@@ -197,7 +198,7 @@ private:
     struct SourcedList
     {
         List elements;
-        boost::shared_ptr<const ListSource> source;
+        std::unique_ptr<boost::shared_ptr<const ListSource>> source; ///< a pointer, since few lists have one
     };
 
     void copy_scalar(const Value& other);
