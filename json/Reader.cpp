@@ -199,8 +199,9 @@ bool Reader::begin_key(char c)
         text_ = &key_;
         return false;
     }
-    // Of an object that has members another key is due: there was a comma, or it is the object of the document before.
-    if (c != '}' || !members_->empty())
+    // An object that has members waits for another key: there was a comma, or they are those of the document before.
+    const bool may_end = members_ != nullptr && members_->empty();
+    if (c != '}' || !may_end)
         throw Unexpected(c, "object");
     expect_key_ = false;
     return true;
