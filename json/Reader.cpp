@@ -249,7 +249,7 @@ bool Reader::begin_value(char c)
     default:
         if (c != '-' && !detail::is_digit(c))
             throw Unexpected(c, "value");
-        number_ = c;
+        number_ += c;
         in_number_ = true; // the slot waits for its end
         return false;
     }

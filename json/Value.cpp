@@ -54,11 +54,9 @@ Value::Value(Object object) noexcept : kind_(Kind::object), object_(std::move(ob
 
 Value::Value(List list) noexcept : kind_(Kind::list), list_{std::move(list), {}} {}
 
-Value::Value(boost::shared_ptr<const ListSource> source) noexcept : kind_(Kind::list), list_{{}, std::move(source)} {}
-
-Value::~Value()
+Value::Value(boost::shared_ptr<const ListSource> source) : Value()
 {
-    destroy_payload();
+    set_list_source(std::move(source));
 }
 
 Value& Value::operator=(const Value& other)
@@ -74,6 +72,12 @@ Value& Value::operator=(Value&& other) noexcept
 {
     if (this == &other)
         return *this;
+    if (!is_list() && !is_object()) // nothing is part of this one
+    {
+        clear();
+        take_from(other);
+        return *this;
+    }
     Value taken(std::move(other)); // which may be part of this one
     clear();
     take_from(taken);
@@ -137,28 +141,21 @@ void Value::take_from(Value& other) noexcept
 
 void Value::clear() noexcept
 {
-    destroy_payload();
+    if (owns_memory())
+        destroy_payload();
     kind_ = Kind::null;
 }
 
 void Value::destroy_payload() noexcept
 {
-    switch (kind_)
-    {
-    case Kind::string:
+    if (is_list() || is_object())
+        detail::TreeDestroyer::empty(*this); // what it leaves may be a container of the other kind
+    if (is_string())
         string_.~basic_string();
-        break;
-    case Kind::list:
-        detail::TreeDestroyer::empty(*this);
+    else if (is_list())
         list_.~SourcedList();
-        break;
-    case Kind::object:
-        detail::TreeDestroyer::empty(*this);
+    else if (is_object())
         object_.~Object();
-        break;
-    default:
-        break;
-    }
 }
 
 const Value::List* Value::if_list() const
@@ -261,21 +258,24 @@ Value& Value::at(std::size_t index)
 std::size_t Value::count() const noexcept
 {
     if (is_list())
-        return list_.source ? list_.source->count() : list_.elements.size();
+        return list_.source ? (*list_.source)->count() : list_.elements.size();
     return is_null() ? 0 : 1;
 }
 
 boost::shared_ptr<const ListSource> Value::list_source() const noexcept
 {
-    return is_list() ? list_.source : nullptr;
+    return is_list() && list_.source ? *list_.source : nullptr;
 }
 
 void Value::set_list_source(boost::shared_ptr<const ListSource> source)
 {
     SourcedList& list = as_sourced_list();
-    if (source && source->count() <= list.elements.size())
-        source.reset();
-    list.source = std::move(source);
+    if (!source || source->count() <= list.elements.size())
+        list.source.reset();
+    else if (list.source)
+        *list.source = std::move(source);
+    else
+        list.source = std::make_unique<boost::shared_ptr<const ListSource>>(std::move(source));
 }
 
 std::size_t Value::filled_count() const noexcept
@@ -294,9 +294,10 @@ void Value::fill_to(std::size_t end) const
 {
     if (!list_.source)
         return;
-    const std::size_t total = list_.source->count();
+    const boost::shared_ptr<const ListSource> source = *list_.source;
+    const std::size_t total = source->count();
     if (list_.elements.size() < end)
-        list_.source->fill(list_.elements, end < total ? end : total);
+        source->fill(list_.elements, end < total ? end : total);
     if (list_.elements.size() >= total)
         list_.source.reset();
 }

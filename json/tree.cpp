@@ -20,7 +20,7 @@ struct TreeCopier
                 copy_child(child, copies.emplace_hint(copies.end(), key, Value())->second);
             return;
         }
-        target.set_list_source(source.list_.source);
+        target.set_list_source(source.list_source());
         Value::List& copies = target.list_.elements;
         for (const Value& child : source.list_.elements)
             copy_child(child, copies.emplace_back());

@@ -6,6 +6,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <type_traits>
 
@@ -14,7 +15,7 @@ VELA_ABI_NAMESPACE_BEGIN
 
 /// Is told when a field has changed. `T` is the type that the field is read as.
 template <class T>
-class ChangeHandler
+class VELA_API ChangeHandler
 {
 public:
     virtual ~ChangeHandler() = default;
@@ -98,7 +99,7 @@ struct Access<Value::Object>
 /// A reference to one slot of a value tree, which must outlive it.
 ///
 /// Its fields are `SignalingReference::Field<T>`. The records of `Ome/` are templates over this class.
-class SignalingReference
+class VELA_API SignalingReference
 {
 public:
     SignalingReference(Value& slot) noexcept : slot_(&slot) {}
@@ -138,7 +139,7 @@ private:
 };
 
 template <class T>
-class SignalingReference::Field : public SignalingReference
+class VELA_API SignalingReference::Field : public SignalingReference
 {
 public:
     /// What the field is read as.
@@ -172,8 +173,8 @@ public:
             return *this;
         check(new_value);
         slot() = new_value;
-        if (handler_)
-            handler_->changed(detail::Access<type>::look(value()));
+        if (const boost::shared_ptr<ChangeHandler<type>> handler = handler_ ? *handler_ : nullptr)
+            handler->changed(detail::Access<type>::look(value())); // which may replace the handler
         return *this;
     }
 
@@ -217,7 +218,10 @@ public:
     }
 
     /// Has `handler` called at each change from now on; null ends that. A field is made without one.
-    void set_change_handler(boost::shared_ptr<ChangeHandler<type>> handler) { handler_ = std::move(handler); }
+    void set_change_handler(boost::shared_ptr<ChangeHandler<type>> handler)
+    {
+        handler_ = handler ? std::make_unique<boost::shared_ptr<ChangeHandler<type>>>(std::move(handler)) : nullptr;
+    }
 
 private:
     static void check(const Value& candidate)
@@ -226,7 +230,8 @@ private:
             detail::throw_bad_cast();
     }
 
-    boost::shared_ptr<ChangeHandler<type>> handler_;
+    /// A pointer, since few fields have one and there are many fields.
+    std::unique_ptr<boost::shared_ptr<ChangeHandler<type>>> handler_;
 };
 
 VELA_ABI_NAMESPACE_END

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -63,7 +64,11 @@ struct VELA_API Value
     Value() noexcept;
     Value(const Value& other);
     Value(Value&& other) noexcept;
-    ~Value();
+    ~Value() // here, as most values of a tree own nothing
+    {
+        if (owns_memory())
+            destroy_payload();
+    }
 
     template <class T, std::enable_if_t<std::is_same_v<T, bool>, int> = 0>
     Value(T boolean) noexcept : kind_(Kind::boolean), boolean_(boolean)
@@ -98,7 +103,7 @@ struct VELA_API Value
     }
 
     /// A list that fills itself from `source` as far as it is looked at. `source` must not be null.
-    explicit Value(boost::shared_ptr<const ListSource> source) noexcept;
+    explicit Value(boost::shared_ptr<const ListSource> source);
 
     Value& operator=(const Value& other);
     Value& operator=(Value&& other) noexcept;
@@ -187,11 +192,13 @@ struct VELA_API Value
     /// @}
 
 private:
+    bool owns_memory() const noexcept { return is_string() || is_list() || is_object(); }
+
     /// A list, and what makes the elements that it does not hold yet.
     struct SourcedList
     {
         List elements;
-        boost::shared_ptr<const ListSource> source;
+        std::unique_ptr<boost::shared_ptr<const ListSource>> source; ///< a pointer, since few lists have one
     };
 
     void copy_scalar(const Value& other);

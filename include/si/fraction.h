@@ -16,9 +16,9 @@ class VELA_API fraction
 {
 public:
     /// 0/1
-    fraction();
+    constexpr fraction() : numerator_(0), denominator_(1) {}
     /// n/1
-    fraction(int n);
+    constexpr fraction(int n) : numerator_(n), denominator_(1) {}
     /// n/d, reduced.
     fraction(int n, int d);
 

@@ -30,6 +30,7 @@ VELA_ABI_NAMESPACE_BEGIN
 ///   Latin-1 in both directions; its UTF-8 form is not read. There is no "a" and no "da". A prefix alone is a
 ///   number: "k" is 1000. "kg" takes no prefix, "g" none above k, "t" none below h, "s" none above 1.
 /// - Parentheses around the whole text are taken off first, whether they belong together or not: "(m)*(s)" fails.
+/// - A power takes the number in front of its unit with it: "3 m^2" is the square of 3 m, "3*m^2" is not.
 ///
 /// Numbers are read and printed with "." whatever the locale of the process.
 class VELA_API value
@@ -49,7 +50,12 @@ public:
     value();
     /// A number without dimension.
     value(double number);
-    /// Reads a text. What is none leaves an invalid value: the number one, without dimension.
+    /// The same of any arithmetic type; without it the number 0 could be a null text too.
+    template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
+    value(Number number) : value(static_cast<double>(number))
+    {
+    }
+    /// Reads a text. What is none, or null, leaves an invalid value: the number one, without dimension.
     value(const std::string& text);
     value(const char* text);
     /// The number in base units and its exponents, taken as they are, unreduced ones too.
@@ -59,6 +65,11 @@ public:
 
     value& operator=(const value& other);
     value& operator=(double number);
+    template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
+    value& operator=(Number number)
+    {
+        return *this = static_cast<double>(number);
+    }
     value& operator=(const std::string& text);
     value& operator=(const char* text);
 
@@ -146,7 +157,18 @@ public:
     ///
     /// `precision` is the count of significant digits; numbers outside 0.01 to 1000 get an exponent. The unit is the
     /// first of the table with this dimension, or is composed of base units, as in "m*kg/s^2", and then without
-    /// prefix. Text in atto units, prefix "a", cannot be read back. A number that is not finite has the exponent 0.
+    /// prefix. 0 prints as "0.000" and 1 as "1", whatever the precision.
+    ///
+    /// A number that is not finite has the exponent 0. The two least numbers above 0, whose power of ten is none of
+    /// `double`, print as infinite.
+    ///
+    /// Not every text reads back as the same. A composed power takes the number with it, as in "3m^5", unless a "*" is
+    /// put between. Not read at all: "a", the prefix of atto units; "E" directly behind a number and before a name; "1/"
+    /// behind a number and a blank; a power whose denominator is negative, as in "m^(1/-2)".
+    ///
+    /// Any precision is taken. The text is as long as that of `printf`: where digits are needed behind the point, those
+    /// that `double` does not have are zeros, and a thousand million of them are a gigabyte. With a precision below 1
+    /// an exponent stands behind 6 digits, as `printf` has it.
     std::string format(int precision, int flags) const;
 
     /// The same in two texts.

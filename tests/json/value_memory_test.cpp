@@ -123,14 +123,15 @@ public:
     }
 };
 
-TEST(ValueMemory, UnfilledListOfAMillionTakesNoMoreThanItsSource)
+TEST(ValueMemory, UnfilledListOfAMillionTakesNoMoreThanAPointerToItsSource)
 {
     const boost::shared_ptr<const Json::ListSource> source = boost::make_shared<Million>();
     const AllocationWatch watch;
     const Value list(source);
     const Value copy(list);
     EXPECT_EQ(list.count() + copy.count(), 2000000u);
-    EXPECT_EQ(watch.peak_extra_bytes(), 0u);
+    // A shared pointer for each of both: it does not lie in the value, which is small for all the others.
+    EXPECT_LE(watch.peak_extra_bytes(), 2 * (sizeof source + sizeof(void*)));
 }
 
 }

@@ -1,0 +1,119 @@
+#include <Ome/Image.h>
+
+#include "ome/CollectionFiller.h"
+#include "ome/dimension_axes.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+namespace Ome {
+VELA_ABI_NAMESPACE_BEGIN
+
+template <class Reference>
+Image<Reference>::Image(const typename Element<Reference>::Binding& slot, const Json::Value& default_value,
+                        std::size_t index)
+    : Element<Reference>(slot, default_value, index)
+{
+}
+
+template <class Reference>
+Image<Reference>::~Image() = default;
+
+template <class Reference>
+const char* Image<Reference>::element_key()
+{
+    return "ome:Image";
+}
+
+namespace {
+
+/// Z, T and C planes, in this order.
+std::size_t count_planes(std::size_t count_z, std::size_t count_t, std::size_t count_c)
+{
+    constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+    if (count_t > most / count_z || count_c > most / (count_z * count_t))
+        throw std::invalid_argument("Unsupported number of planes");
+    return count_z * count_t * count_c;
+}
+
+template <class Channels>
+void lay_out_channels(Channels& channels, std::size_t count)
+{
+    using Channel = typename Channels::const_iterator::value_type::element_type;
+    const CollectionFiller<Channel> filler{channels};
+    filler.refill(
+        count, [](Channel&, std::size_t) {},
+        [count](detail::ElementHistory& history)
+        { history.rules(Prototype<Channel>::instance().record.id.value()).set(count, detail::IdRule{"Channel"}); });
+}
+
+}
+
+template <class Reference>
+void Image<Reference>::lay_out_planes(std::size_t count_z, std::size_t count_t, std::size_t count_c)
+{
+    using Axis = detail::PlaceRule::Axis;
+    const detail::PlaceRule place_z{Axis::z, count_t, count_c};
+    const detail::PlaceRule place_t{Axis::t, count_t, count_c};
+    const detail::PlaceRule place_c{Axis::c, count_t, count_c};
+    const std::size_t count = count_z * count_t * count_c;
+
+    const auto settle = [&](Plane<Reference>& plane, std::size_t index)
+    {
+        plane.the_z = place_z.place(index);
+        plane.the_t = place_t.place(index);
+        plane.the_c = place_c.place(index);
+    };
+    const auto plan = [&](detail::ElementHistory& history)
+    {
+        const Plane<Reference>& prototype = Prototype<Plane<Reference>>::instance().record;
+        history.rules(prototype.the_z.value()).set(count, place_z);
+        history.rules(prototype.the_t.value()).set(count, place_t);
+        history.rules(prototype.the_c.value()).set(count, place_c);
+    };
+    const CollectionFiller<Plane<Reference>> filler{planes};
+    filler.refill(count, settle, plan);
+}
+
+template <class Reference>
+void Image<Reference>::set_sizes(std::vector<std::size_t> sizes)
+{
+    if (std::ranges::find(sizes, 0U) != sizes.end())
+        throw std::invalid_argument("Unsupported zero size");
+    if (sizes.size() > detail::dimension_count)
+        throw std::invalid_argument("Unsupported number of sizes");
+    sizes.resize(detail::dimension_count, 1);
+
+    const detail::DimensionAxes axes(dimension_order.value());
+    const auto size_of = [&](detail::Axis axis) { return sizes[axes.dimension_of(axis)]; };
+    const std::size_t count_z = size_of(detail::Axis::z);
+    const std::size_t count_c = size_of(detail::Axis::c);
+    const std::size_t count_t = size_of(detail::Axis::t);
+    count_planes(count_z, count_t, count_c);
+
+    size_x = sizes[0];
+    size_y = sizes[1];
+    for (std::size_t d = 2; d < detail::dimension_count; ++d)
+    {
+        switch (axes.axis_of(d))
+        {
+        case detail::Axis::z:
+            size_z = sizes[d];
+            break;
+        case detail::Axis::c:
+            size_c = sizes[d];
+            break;
+        default:
+            size_t = sizes[d];
+            break;
+        }
+    }
+    lay_out_channels(channels, count_c);
+    lay_out_planes(count_z, count_t, count_c);
+}
+
+template struct Image<Json::SignalingReference>;
+
+VELA_ABI_NAMESPACE_END
+}

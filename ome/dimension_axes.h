@@ -1,0 +1,54 @@
+/// Which axis a dimension of an image is.
+#pragma once
+
+#include <Json/Value.h>
+#include <Ome/enums.h>
+
+#include <cstddef>
+#include <stdexcept>
+#include <string_view>
+
+namespace Ome::detail {
+
+/// X, Y, Z, C and T.
+constexpr std::size_t dimension_count = 5;
+
+/// The letter of the axis in the text of a `DimensionOrder`.
+enum class Axis : char
+{
+    x = 'X',
+    y = 'Y',
+    z = 'Z',
+    c = 'C',
+    t = 'T',
+};
+
+/// The axes in the order of a `DimensionOrder`, XYZTC where the value is no such text.
+class DimensionAxes
+{
+public:
+    explicit DimensionAxes(const Json::Value& order)
+    {
+        DimensionOrder known = DimensionOrder::XYZTC;
+        if (const std::string* text = order.if_string())
+            get_enumeration(*text, known);
+        letters_ = get_enumeration_text(known);
+        if (letters_.empty())
+            letters_ = get_enumeration_text(DimensionOrder::XYZTC);
+    }
+
+    /// @throws std::invalid_argument "Unsupported physical dimension": `d` is no dimension
+    Axis axis_of(std::size_t d) const
+    {
+        if (d >= dimension_count)
+            throw std::invalid_argument("Unsupported physical dimension");
+        return static_cast<Axis>(letters_[d]);
+    }
+
+    std::size_t dimension_of(Axis axis) const { return letters_.find(static_cast<char>(axis)); }
+
+private:
+    std::string_view letters_;
+};
+
+} // namespace Ome::detail

@@ -1,0 +1,14 @@
+/// The checks that Qt makes; no other file of the library knows it.
+#pragma once
+
+#include <string>
+
+namespace Ome::detail {
+
+/// Whether `text` is a valid date and time in the form `Qt::ISODate`.
+bool is_timestamp(const std::string& text);
+
+/// Whether `text` is a UUID, and not the null one, from its tenth character on.
+bool is_uuid_urn(const std::string& text);
+
+} // namespace Ome::detail
