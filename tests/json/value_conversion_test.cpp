@@ -1,5 +1,6 @@
 // Converting access, cell by cell: what becomes what for good, and what is a bad cast that changes nothing.
 #include "support/expect_bad_cast.h"
+#include "json/forged_kind.h"
 #include "json/value_samples.h"
 #include "json/value_text.h"
 
@@ -9,7 +10,6 @@
 
 #include <cfloat>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <vector>
@@ -17,6 +17,7 @@
 namespace {
 
 using Json::Value;
+using json_test::ForgedKind;
 using json_test::one_of_each_kind;
 using json_test::value_text;
 
@@ -238,34 +239,20 @@ TEST(ValueConversions, GoThereAndBack)
     EXPECT_EQ(value_text(value), "d:0x1p+2");
 }
 
-/// A value whose tag names no kind, which only damaged memory has. The tag stands first in the value.
-class ValueOfNoKind
-{
-public:
-    explicit ValueOfNoKind(std::int32_t tag) { set_tag(tag); }
-    ~ValueOfNoKind() { set_tag(0); }
-    ValueOfNoKind(const ValueOfNoKind&) = delete;
-    ValueOfNoKind& operator=(const ValueOfNoKind&) = delete;
-
-    Value value;
-
-private:
-    void set_tag(std::int32_t tag) { std::memcpy(static_cast<void*>(&value), &tag, sizeof tag); }
-};
-
 TEST(ValueOfAKindOutsideTheSeven, IsABadCastForEveryAccess)
 {
     for (const std::int32_t tag : {7, 8, -1, INT32_MAX, INT32_MIN})
     {
-        ValueOfNoKind forged(tag);
-        ASSERT_EQ(static_cast<std::int32_t>(forged.value.kind()), tag);
-        EXPECT_BAD_CAST(forged.value.as_boolean());
-        EXPECT_BAD_CAST(forged.value.as_integer());
-        EXPECT_BAD_CAST(forged.value.as_decimal());
-        EXPECT_BAD_CAST(forged.value.as_string());
-        EXPECT_BAD_CAST(forged.value.as_object());
-        EXPECT_BAD_CAST(forged.value.at("a"));
-        EXPECT_EQ(static_cast<std::int32_t>(forged.value.kind()), tag);
+        Value value;
+        const ForgedKind forged(value, tag);
+        ASSERT_EQ(static_cast<std::int32_t>(value.kind()), tag);
+        EXPECT_BAD_CAST(value.as_boolean());
+        EXPECT_BAD_CAST(value.as_integer());
+        EXPECT_BAD_CAST(value.as_decimal());
+        EXPECT_BAD_CAST(value.as_string());
+        EXPECT_BAD_CAST(value.as_object());
+        EXPECT_BAD_CAST(value.at("a"));
+        EXPECT_EQ(static_cast<std::int32_t>(value.kind()), tag);
     }
 }
 
@@ -273,11 +260,24 @@ TEST(ValueOfAKindOutsideTheSeven, IsABadCastForCopyAndComparison)
 {
     for (const std::int32_t tag : {7, -1})
     {
-        ValueOfNoKind forged(tag);
-        ValueOfNoKind other(tag);
-        EXPECT_BAD_CAST(const Value copy(forged.value));
-        EXPECT_BAD_CAST(static_cast<void>(forged.value == other.value));
+        Value one;
+        Value two;
+        const ForgedKind forged_one(one, tag);
+        const ForgedKind forged_two(two, tag);
+        EXPECT_BAD_CAST(const Value copy(one));
+        EXPECT_BAD_CAST(static_cast<void>(one == two));
     }
+}
+
+TEST(ValueOfAKindOutsideTheSeven, IsABadCastForCopyAndComparisonOfATreeAroundIt)
+{
+    Value tree;
+    tree.at("a").at(1).at("b") = Value(1);
+    Value other(tree);
+    const ForgedKind forged(tree.at("a").at(1).at("b"), 7);
+    const ForgedKind forged_other(other.at("a").at(1).at("b"), 7);
+    EXPECT_BAD_CAST(const Value copy(tree));
+    EXPECT_BAD_CAST(static_cast<void>(tree == other));
 }
 
 }
