@@ -148,14 +148,15 @@ void Value::clear() noexcept
 
 void Value::destroy_payload() noexcept
 {
-    if (is_list() || is_object())
-        detail::TreeDestroyer::empty(*this); // what it leaves may be a container of the other kind
-    if (is_string())
-        string_.~basic_string();
-    else if (is_list())
-        list_.~SourcedList();
-    else if (is_object())
-        object_.~Object();
+    if (!is_string())
+        detail::TreeDestroyer::empty(*this); // which may turn a list into an object, and back
+    switch (kind_)
+    {
+    case Kind::string: string_.~basic_string(); break;
+    case Kind::list: list_.~SourcedList(); break;
+    case Kind::object: object_.~Object(); break;
+    default: break;
+    }
 }
 
 const Value::List* Value::if_list() const

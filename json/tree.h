@@ -12,7 +12,7 @@ void copy_tree(const Value& source, Value& target);
 
 struct TreeDestroyer
 {
-    /// Leaves a list or an object without elements.
+    /// Leaves a list or an object without elements, as either of both.
     ///
     /// It neither recurses nor takes memory, for it runs in destructors. A container within containers is taken
     /// apart by rotation, as binary trees are: with P = (C, p2, ...) and C = (c1, ..., cn) the tree becomes
