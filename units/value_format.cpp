@@ -2,7 +2,6 @@
 
 #include "number_text.h"
 #include "prefix.h"
-#include "quotient.h"
 #include "unit_table.h"
 
 #include <algorithm>
@@ -27,7 +26,9 @@ int decade(double number)
 
 double over_power_of_ten(double number, int exponent)
 {
-    return quotient(number, std::pow(10.0, exponent)); // the least numbers have a decade whose power is 0
+    if (exponent < -300) // where powers of ten lose their digits, and at last become 0
+        return number * 1e300 / std::pow(10.0, exponent + 300);
+    return number / std::pow(10.0, exponent);
 }
 
 /// Too many digits before or behind the point.
