@@ -8,6 +8,8 @@
 #include <Json/SignalingReference.h>
 #include <Json/Value.h>
 #include <Json/XmlReader.h>
+#include <Json/map_node.h>
+#include <Json/map_tree.h>
 #include <Json/write.h>
 #include <Ome/Channel.h>
 #include <Ome/Collection.h>

@@ -15,9 +15,8 @@ struct TreeCopier
     {
         if (const Value::Object* object = source.if_object())
         {
-            Value::Object& copies = target.as_object();
-            for (const auto& [key, child] : *object)
-                copy_child(child, copies.emplace_hint(copies.end(), key, Value())->second);
+            target.as_object().clone_from(*object,
+                                          [this](const Value& child, Value& copy) { copy_child(child, copy); });
             return;
         }
         target.set_list_source(source.list_source());

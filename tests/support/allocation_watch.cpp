@@ -9,10 +9,12 @@ namespace {
 
 std::atomic<std::size_t> bytes_taken{0};
 std::atomic<std::size_t> peak_bytes{0};
+std::atomic<std::size_t> allocations{0};
 
 void* take(std::size_t size_bytes) noexcept
 {
     void* const memory = std::malloc(size_bytes == 0 ? 1 : size_bytes);
+    ++allocations;
     if (memory != nullptr)
     {
         bytes_taken += malloc_usable_size(memory);
@@ -91,7 +93,7 @@ void operator delete[](void* memory, const std::nothrow_t&) noexcept
 
 namespace vela_test {
 
-AllocationWatch::AllocationWatch() : bytes_at_start(bytes_taken)
+AllocationWatch::AllocationWatch() : bytes_at_start(bytes_taken), allocations_at_start(allocations)
 {
     peak_bytes = bytes_at_start;
 }
@@ -104,6 +106,11 @@ std::size_t AllocationWatch::extra_bytes() const
 std::size_t AllocationWatch::peak_extra_bytes() const
 {
     return peak_bytes - bytes_at_start;
+}
+
+std::size_t AllocationWatch::count_allocations() const
+{
+    return allocations - allocations_at_start;
 }
 
 } // namespace vela_test

@@ -17,8 +17,12 @@ public:
     /// The most that `extra_bytes` has been.
     std::size_t peak_extra_bytes() const;
 
+    /// How many times memory was asked for since.
+    std::size_t count_allocations() const;
+
 private:
     std::size_t bytes_at_start;
+    std::size_t allocations_at_start;
 };
 
 } // namespace vela_test
