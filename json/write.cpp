@@ -44,7 +44,8 @@ void write_decimal(double decimal, std::ostream& out)
     out << decimal;
 }
 
-/// What both forms write alike: boolean, integer, decimal. Nothing for the other kinds.
+/// What both forms write alike: boolean, integer, decimal. Any other kind but these, text, list, object and null,
+/// which the callers have taken out, is none at all.
 void write_plain(const Value& value, std::ostream& out)
 {
     if (const bool* boolean = value.if_boolean())
@@ -53,6 +54,8 @@ void write_plain(const Value& value, std::ostream& out)
         out << *integer;
     else if (const double* decimal = value.if_decimal())
         write_decimal(*decimal, out);
+    else
+        detail::throw_bad_cast();
 }
 
 /// Writes the bytes of the text, and for those that `escape` knows what it gives instead.

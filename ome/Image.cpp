@@ -28,13 +28,12 @@ const char* Image<Reference>::element_key()
 
 namespace {
 
-/// Z, T and C planes, in this order.
-std::size_t count_planes(std::size_t count_z, std::size_t count_t, std::size_t count_c)
+/// The dimensions behind X and Y are those of the planes.
+void check_plane_count(const std::vector<std::size_t>& sizes)
 {
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-    if (count_t > most / count_z || count_c > most / (count_z * count_t))
+    if (sizes[3] > most / sizes[2] || sizes[4] > most / (sizes[2] * sizes[3]))
         throw std::invalid_argument("Unsupported number of planes");
-    return count_z * count_t * count_c;
 }
 
 template <class Channels>
@@ -85,15 +84,11 @@ void Image<Reference>::set_sizes(std::vector<std::size_t> sizes)
         throw std::invalid_argument("Unsupported number of sizes");
     sizes.resize(detail::dimension_count, 1);
 
-    const detail::DimensionAxes axes(dimension_order.value());
-    const auto size_of = [&](detail::Axis axis) { return sizes[axes.dimension_of(axis)]; };
-    const std::size_t count_z = size_of(detail::Axis::z);
-    const std::size_t count_c = size_of(detail::Axis::c);
-    const std::size_t count_t = size_of(detail::Axis::t);
-    count_planes(count_z, count_t, count_c);
+    check_plane_count(sizes);
 
     size_x = sizes[0];
     size_y = sizes[1];
+    const detail::DimensionAxes axes(dimension_order.value());
     for (std::size_t d = 2; d < detail::dimension_count; ++d)
     {
         switch (axes.axis_of(d))
@@ -109,8 +104,9 @@ void Image<Reference>::set_sizes(std::vector<std::size_t> sizes)
             break;
         }
     }
-    lay_out_channels(channels, count_c);
-    lay_out_planes(count_z, count_t, count_c);
+    const auto size_of = [&](detail::Axis axis) { return sizes[axes.dimension_of(axis)]; };
+    lay_out_channels(channels, size_of(detail::Axis::c));
+    lay_out_planes(size_of(detail::Axis::z), size_of(detail::Axis::t), size_of(detail::Axis::c));
 }
 
 template struct Image<Json::SignalingReference>;

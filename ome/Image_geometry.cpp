@@ -12,7 +12,6 @@ VELA_ABI_NAMESPACE_BEGIN
 namespace {
 
 using detail::Axis;
-using detail::DimensionAxes;
 using detail::ElementHistory;
 using detail::OffsetRule;
 using detail::PlaceRule;
@@ -164,7 +163,7 @@ void set_steps(Collection<Record>& planes, const Change& change, Place Record::*
 template <class Reference>
 void Image<Reference>::set_len(std::size_t d, double len)
 {
-    switch (DimensionAxes(dimension_order.value()).axis_of(d))
+    switch (detail::axis_of_dimension(d, dimension_order.value()))
     {
     case Axis::x:
         return set_physical_size(len, size_x, physical_size_x, physical_size_x_unit);
@@ -187,7 +186,7 @@ void Image<Reference>::set_off(std::size_t d, double off)
 {
     using Record = Plane<Reference>;
     const auto none_fails = [](const OffsetRule&, std::size_t, std::size_t end) { return end; };
-    switch (DimensionAxes(dimension_order.value()).axis_of(d))
+    switch (detail::axis_of_dimension(d, dimension_order.value()))
     {
     case Axis::x:
         set_constant(planes, PlaneChange{&Record::position_x, &Record::position_x_unit, physical_size_x_unit.value()},

@@ -23,15 +23,18 @@ enum class Axis : char
     t = 'T',
 };
 
-/// The axes in the order of a `DimensionOrder`, XYZTC where the value is no such text.
+/// The axes in the order of a `DimensionOrder`, XYZTC where the value is null or no such text.
 class DimensionAxes
 {
 public:
+    /// @throws std::bad_cast: the value is neither a text nor null
     explicit DimensionAxes(const Json::Value& order)
     {
         DimensionOrder known = DimensionOrder::XYZTC;
         if (const std::string* text = order.if_string())
             get_enumeration(*text, known);
+        else if (!order.is_null())
+            Json::detail::throw_bad_cast();
         letters_ = get_enumeration_text(known);
         if (letters_.empty())
             letters_ = get_enumeration_text(DimensionOrder::XYZTC);
@@ -50,5 +53,13 @@ public:
 private:
     std::string_view letters_;
 };
+
+/// Which axis dimension `d` is. X and Y come first in every order.
+inline Axis axis_of_dimension(std::size_t d, const Json::Value& order)
+{
+    if (d < 2)
+        return d == 0 ? Axis::x : Axis::y;
+    return DimensionAxes(order).axis_of(d);
+}
 
 } // namespace Ome::detail

@@ -68,8 +68,8 @@ struct VELA_API Image : Element<Reference>
     /// @throws std::invalid_argument "Unsupported zero size": a size is 0
     /// @throws std::invalid_argument "Unsupported number of sizes": more than five
     /// @throws std::invalid_argument "Unsupported number of planes": more than a count can hold; nothing has changed
-    /// @throws std::bad_cast "bad cast": a size above the 64-bit integers, or an element that is there already and
-    ///         holds what a field may not hold; what comes before has changed
+    /// @throws std::bad_cast "bad cast": a size above the 64-bit integers, or something in the tree that its field may
+    ///         not hold, such as a dimension order that is no text; what comes before has changed
     void set_sizes(std::vector<std::size_t> sizes);
 
     /// Writes the physical length of dimension `d`, counted as in `set_sizes`.
@@ -79,7 +79,8 @@ struct VELA_API Image : Element<Reference>
     /// T: the time increment becomes `len` through the size, in "s"; with a `len` of 0 or a size of 1 there is none.
     ///
     /// @throws std::invalid_argument "Unsupported physical dimension": C, or `d` above 4
-    /// @throws std::bad_cast "bad cast": the size is not set, or the result is not above 0
+    /// @throws std::bad_cast "bad cast": the size is not set, the result is not above 0, or the dimension order, which
+    ///         matters behind X and Y, is neither a text nor null
     void set_len(std::size_t d, double len);
 
     /// Writes the offset of dimension `d` to all planes.
@@ -89,7 +90,7 @@ struct VELA_API Image : Element<Reference>
     ///
     /// @throws std::invalid_argument "Unsupported physical dimension": C, or `d` above 4
     /// @throws std::bad_cast "bad cast": a time is not above 0. The planes before that one have changed. Also where a
-    ///         size or physical size that is needed is not set.
+    ///         size or physical size that is needed is not set, or the dimension order is neither a text nor null.
     void set_off(std::size_t d, double off);
 
 private:
