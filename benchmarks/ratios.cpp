@@ -25,6 +25,27 @@ std::vector<Expectation>& expectations()
     return list;
 }
 
+/// The same for counters; the peer is the name of the counter.
+std::vector<Expectation>& counter_expectations()
+{
+    static std::vector<Expectation> list;
+    return list;
+}
+
+/// What a benchmark was registered under, with its arguments.
+std::string name_of(const benchmark::BenchmarkName& name)
+{
+    return name.args.empty() ? name.function_name : name.function_name + '/' + name.args;
+}
+
+double median_of(std::vector<double> list)
+{
+    if (list.empty())
+        return 0;
+    std::sort(list.begin(), list.end());
+    return list[list.size() / 2];
+}
+
 /// Collects the time of every repetition beside the usual output.
 class Collector : public benchmark::ConsoleReporter
 {
@@ -32,21 +53,24 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override
     {
         for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-                times[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
+        {
+            if (run.run_type != Run::RT_Iteration || run.error_occurred)
+                continue;
+            times[name_of(run.run_name)].push_back(run.GetAdjustedRealTime());
+            for (const auto& [counter, value] : run.counters)
+                counters[name_of(run.run_name) + ' ' + counter].push_back(value.value);
+        }
     }
 
-    double median(const std::string& name)
+    double median(const std::string& name) { return median_of(times[name]); }
+    double median(const std::string& name, const std::string& counter)
     {
-        std::vector<double>& list = times[name];
-        if (list.empty())
-            return 0;
-        std::sort(list.begin(), list.end());
-        return list[list.size() / 2];
+        return median_of(counters[name + ' ' + counter]);
     }
 
 private:
     std::map<std::string, std::vector<double>> times;
+    std::map<std::string, std::vector<double>> counters;
 };
 
 } // namespace
@@ -54,6 +78,11 @@ private:
 void expect_ratio(const std::string& name, const std::string& subject, const std::string& peer, double limit)
 {
     expectations().push_back({name, subject, peer, limit});
+}
+
+void expect_counter(const std::string& name, const std::string& subject, const std::string& counter, double limit)
+{
+    counter_expectations().push_back({name, subject, counter, limit});
 }
 
 int run(int argc, char** argv)
@@ -78,6 +107,13 @@ int run(int argc, char** argv)
             continue; // filtered out
         const double ratio = peer / subject;
         std::printf("%-44s %8.2f %8.2f %s\n", e.name.c_str(), ratio, e.limit, ratio < e.limit ? "below" : "");
+    }
+    for (const Expectation& e : counter_expectations())
+    {
+        const double figure = collector.median(e.subject, e.peer);
+        if (figure == 0)
+            continue;
+        std::printf("%-44s %8.2f %8.2f %s\n", e.name.c_str(), figure, e.limit, figure > e.limit ? "above" : "");
     }
     return 0;
 }

@@ -10,6 +10,10 @@ namespace vela_bench {
 /// names of registered benchmarks; the ratio is the speed of the subject in units of the peer's.
 void expect_ratio(const std::string& name, const std::string& subject, const std::string& peer, double limit);
 
+/// Asks for a line "name: figure, limit" below the ratios: the median of a counter of `subject`, which is at best
+/// below the limit.
+void expect_counter(const std::string& name, const std::string& subject, const std::string& counter, double limit);
+
 /// Parses the options of Google Benchmark, runs everything interleaved in random order and prints the ratios.
 /// The exit status does not depend on them: a noisy machine must not fail a build.
 int run(int argc, char** argv);

@@ -35,10 +35,10 @@ struct CollectionFiller
 
     Collection<T>& collection;
 
-    /// Lays the collection out anew with `count` elements. The records of those that the list holds are made, and
-    /// `settle(record, index)` is called with each; `plan(history)` gives the rules of the others.
-    template <class Settle, class Plan>
-    void refill(std::size_t count, Settle settle, Plan plan) const
+    /// Lays the collection out anew with `count` elements: calls `lay_out(element, index)` for those that the list
+    /// holds; `plan(history)` gives the rules of the others.
+    template <class LayOut, class Plan>
+    void refill(std::size_t count, LayOut lay_out, Plan plan) const
     {
         collection.clear();
         Json::Value& list = collection.list();
@@ -48,9 +48,8 @@ struct CollectionFiller
         {
             if (index == count)
                 return;
-            collection.records_.push_back(boost::make_shared<T>(element, Json::Value(), index + 1));
+            lay_out(element, index);
             collection.size_ = ++index;
-            settle(*collection.records_.back(), index - 1);
         }
         if (index == count)
             return;
@@ -60,6 +59,12 @@ struct CollectionFiller
         plan(*after);
         list.set_list_source(after);
         collection.size_ = count;
+    }
+
+    /// Makes the record of the next element.
+    void make_record(Json::Value& element, std::size_t index) const
+    {
+        collection.records_.push_back(boost::make_shared<T>(element, Json::Value(), index + 1));
     }
 
     /// Makes the records of all elements that the list holds, and calls `change` with each.

@@ -42,7 +42,7 @@ void lay_out_channels(Channels& channels, std::size_t count)
     using Channel = typename Channels::const_iterator::value_type::element_type;
     const CollectionFiller<Channel> filler{channels};
     filler.refill(
-        count, [](Channel&, std::size_t) {},
+        count, [&filler](Json::Value& element, std::size_t index) { filler.make_record(element, index); },
         [count](detail::ElementHistory& history)
         { history.rules(Prototype<Channel>::instance().record.id.value()).set(count, detail::IdRule{"Channel"}); });
 }
@@ -58,8 +58,10 @@ void Image<Reference>::lay_out_planes(std::size_t count_z, std::size_t count_t, 
     const detail::PlaceRule place_c{Axis::c, count_t, count_c};
     const std::size_t count = count_z * count_t * count_c;
 
-    const auto settle = [&](Plane<Reference>& plane, std::size_t index)
+    // The records of all planes are dear, and may never be asked for. One that nobody has seen can go again.
+    const auto lay_out = [&](Json::Value& element, std::size_t index)
     {
+        Plane<Reference> plane(element, Json::Value(), index + 1);
         plane.the_z = place_z.place(index);
         plane.the_t = place_t.place(index);
         plane.the_c = place_c.place(index);
@@ -72,7 +74,7 @@ void Image<Reference>::lay_out_planes(std::size_t count_z, std::size_t count_t, 
         history.rules(prototype.the_c.value()).set(count, place_c);
     };
     const CollectionFiller<Plane<Reference>> filler{planes};
-    filler.refill(count, settle, plan);
+    filler.refill(count, lay_out, plan);
 }
 
 template <class Reference>

@@ -51,6 +51,18 @@ struct MapTree
             return std::less<>()(a, b);
     }
 
+    /// Below 0, 0 and above 0 where `a` comes before, is and comes after `b`; for texts in one comparison.
+    template <class A, class B>
+    static int compare(const A& a, const B& b)
+    {
+        if constexpr (std::is_convertible_v<const A&, std::string_view> && std::is_same_v<B, std::string>)
+            return std::string_view(a).compare(b);
+        else if (is_less(a, b))
+            return -1;
+        else
+            return is_less(b, a) ? 1 : 0;
+    }
+
     /// What to search for: texts as views, so that they are measured only once.
     template <class Q>
     static decltype(auto) searched(const Q& key)
@@ -104,8 +116,8 @@ struct MapTree
     template <class Q>
     MapNode* find(const Q& key) const
     {
-        MapNode* const node = lower_bound(key);
-        return node == end() || is_less(key, key_at(node)) ? end() : node;
+        MapNode* const node = place_of(key).existing;
+        return node ? node : end();
     }
 
     template <class Q>
@@ -124,20 +136,14 @@ struct MapTree
         bool left = true;
         for (MapNode* node = header.parent(); node;)
         {
+            const int order = compare(key, key_at(node));
+            if (order == 0)
+                return {node, nullptr, false};
             parent = node;
-            left = is_less(key, key_at(node));
+            left = order < 0;
             node = left ? node->left : node->right;
         }
-        MapNode* before = parent;
-        if (left)
-        {
-            if (parent == header.left)
-                return {nullptr, parent, true};
-            before = previous_node(parent);
-        }
-        if (is_less(key_at(before), key))
-            return {nullptr, parent, left};
-        return {before, nullptr, false};
+        return {nullptr, parent, left};
     }
 
     /// The same without a search where the key comes right before `hint`, right behind it, or is there.
