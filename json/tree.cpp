@@ -19,10 +19,16 @@ struct TreeCopier
                                           [this](const Value& child, Value& copy) { copy_child(child, copy); });
             return;
         }
-        target.set_list_source(source.list_source());
+        target.set_list_source(source_of_copy(source.list_source()));
         Value::List& copies = target.list_.elements;
         for (const Value& child : source.list_.elements)
             copy_child(child, copies.emplace_back());
+    }
+
+    static boost::shared_ptr<const ListSource> source_of_copy(const boost::shared_ptr<const ListSource>& source)
+    {
+        const auto other = source ? source->source_of_copy() : nullptr;
+        return other ? other : source;
     }
 
     void copy_child(const Value& child, Value& copy)

@@ -20,9 +20,10 @@ struct Prototype
     Json::Value element;
     T record{element};
 
+    /// Never destroyed: images may live as long as the process.
     static const Prototype& instance()
     {
-        static const Prototype prototype;
+        static const Prototype& prototype = *new Prototype;
         return prototype;
     }
 };
@@ -32,6 +33,10 @@ template <class T>
 struct CollectionFiller
 {
     using History = detail::ElementHistory;
+    using Watched = detail::WatchedHistory;
+
+    /// A history with more rules than this gives way to the elements.
+    static constexpr std::size_t most_weight = 512;
 
     Collection<T>& collection;
 
@@ -42,22 +47,23 @@ struct CollectionFiller
     {
         collection.clear();
         Json::Value& list = collection.list();
-        boost::shared_ptr<const History> before = history(list);
+        const Source before = source(list);
         std::size_t index = 0;
         for (Json::Value& element : list.fill_list(0))
         {
             if (index == count)
                 return;
             lay_out(element, index);
+            note(element);
             collection.size_ = ++index;
         }
         if (index == count)
             return;
-        const auto after = before ? boost::make_shared<History>(*before)
-                                  : boost::make_shared<History>(Prototype<T>::instance().element);
+        const auto after = before.history ? boost::make_shared<History>(*before.history)
+                                          : boost::make_shared<History>(Prototype<T>::instance().element);
         after->extend(count);
         plan(*after);
-        list.set_list_source(after);
+        watch(list, {after, before.tables});
         collection.size_ = count;
     }
 
@@ -67,54 +73,98 @@ struct CollectionFiller
         collection.records_.push_back(boost::make_shared<T>(element, Json::Value(), index + 1));
     }
 
-    /// Makes the records of all elements that the list holds, and calls `change` with each.
+    /// Calls `change` with the records of all elements that the list holds, also of those that come while it runs.
     template <class Change>
     void change_present(Change change) const
     {
-        Json::Value& list = collection.list();
-        history(list);
-        collection.make_records(std::min(collection.size_, list.filled_count()));
-        for (const auto& record : collection.records_)
+        for (std::size_t index = 0; index < collection.size_ && index < count_present(); ++index)
+        {
+            const boost::shared_ptr<T> record = collection[index];
             change(*record);
+        }
     }
 
     /// Calls `plan(history, begin, end)` where elements of the collection from `begin` to `end` are not in the list.
     template <class Plan>
     void change_absent(Plan plan) const
     {
-        Json::Value& list = collection.list();
-        const std::size_t begin = list.filled_count();
+        const std::size_t begin = count_present();
         if (begin >= collection.size_)
             return;
-        const boost::shared_ptr<const History> before = history(list);
-        if (!before)
+        Json::Value& list = collection.list();
+        const auto watched = boost::dynamic_pointer_cast<const Watched>(list.list_source());
+        if (!watched || !watched->notes_in(collection.elements_))
             return;
-        const auto after = boost::make_shared<History>(*before);
+        const auto after = boost::make_shared<History>(*watched->history());
         plan(*after, begin, collection.size_);
-        list.set_list_source(after);
+        watch(list, {after, watched->tables()});
     }
 
-    /// The history that the rest of the list follows from. A list with another source is filled.
-    static boost::shared_ptr<const History> history(Json::Value& list)
+    /// Lays records over the elements that the list holds, and watches for the others.
+    void lay_over() const
     {
-        const auto found = boost::dynamic_pointer_cast<const History>(list.list_source());
-        if (found && &found->prototype() == &Prototype<T>::instance().element)
+        Json::Value& list = collection.list();
+        const Source found = source(list);
+        for (Json::Value& element : list.fill_list(0))
+        {
+            collection.records_.push_back(boost::make_shared<T>(element));
+            note(element);
+        }
+        collection.size_ = list.count();
+        if (found.history)
+            watch(list, found);
+    }
+
+private:
+    /// What the rest of a list follows from, and who else wants to know of it.
+    struct Source
+    {
+        boost::shared_ptr<const History> history;
+        typename Watched::Tables tables;
+    };
+
+    /// A list with a source of another making is filled.
+    static Source source(Json::Value& list)
+    {
+        Source found;
+        const auto from = list.list_source();
+        if (const auto watched = boost::dynamic_pointer_cast<const Watched>(from))
+            found = {watched->history(), watched->tables()};
+        else
+            found.history = boost::dynamic_pointer_cast<const History>(from);
+        if (found.history && &found.history->prototype() == &Prototype<T>::instance().element)
             return found;
         list.as_list();
-        return nullptr;
+        return {};
+    }
+
+    std::size_t count_present() const { return collection.elements_ ? collection.elements_->size() : 0; }
+
+    void note(Json::Value& element) const
+    {
+        if (!collection.elements_)
+            collection.elements_ = boost::make_shared<detail::ElementTable>();
+        collection.elements_->push_back(&element);
+    }
+
+    /// The rest of the list follows from `rest`, and the collection is told of it.
+    void watch(Json::Value& list, Source rest) const
+    {
+        if (!collection.elements_)
+            collection.elements_ = boost::make_shared<detail::ElementTable>();
+        rest.tables.emplace_back(collection.elements_);
+        const bool heavy = rest.history->weight() > most_weight;
+        list.set_list_source(boost::make_shared<Watched>(std::move(rest.history), rest.tables));
+        if (heavy)
+            list.as_list();
     }
 };
 
 template <class T>
 Collection<T>::Collection(const Content& content, bool settled) : content_(&content)
 {
-    Json::Value& slot = list();
-    if (settled || slot.is_null())
-        return;
-    CollectionFiller<T>::history(slot);
-    for (Json::Value& element : slot.fill_list(0))
-        records_.push_back(boost::make_shared<T>(element));
-    size_ = slot.count();
+    if (!list().is_null() && !settled)
+        CollectionFiller<T>{*this}.lay_over();
 }
 
 template <class T>
@@ -124,23 +174,36 @@ template <class T>
 const boost::shared_ptr<T>& Collection<T>::operator[](std::size_t index) const
 {
     if (index >= records_.size())
-        make_records(index + 1);
+        records_.resize(index + 1);
+    if (!records_[index])
+    {
+        typename T::Binding binding(element(index));
+        binding.settled = true; // it was checked when the collection was laid out
+        records_[index] = boost::make_shared<T>(binding);
+    }
     return records_[index];
 }
 
 template <class T>
 boost::shared_ptr<T> Collection<T>::add(const Json::Value& default_value)
 {
-    make_records(size_);
-    records_.push_back(boost::make_shared<T>(list().at(size_), default_value, size_ + 1));
+    Json::Value& slot = list().at(size_);
+    const auto record = boost::make_shared<T>(slot, default_value, size_ + 1);
+    if (!elements_)
+        elements_ = boost::make_shared<detail::ElementTable>();
+    elements_->resize(std::max(elements_->size(), size_ + 1));
+    records_.resize(size_ + 1);
+    (*elements_)[size_] = &slot;
+    records_[size_] = record;
     ++size_;
-    return records_.back();
+    return record;
 }
 
 template <class T>
 void Collection<T>::clear()
 {
     records_.clear();
+    elements_.reset();
     size_ = 0;
 }
 
@@ -150,28 +213,15 @@ Json::Value& Collection<T>::list() const
     return content_->slot().at(T::element_key());
 }
 
-/// Makes the first records, `end` of them. They were checked when the collection was laid out.
+/// The element of a record, made if it is not there yet.
 template <class T>
-void Collection<T>::make_records(std::size_t end) const
+Json::Value& Collection<T>::element(std::size_t index) const
 {
-    const std::size_t begin = records_.size();
-    if (begin >= end)
-        return;
-    Json::Value::List& elements = list().fill_list(end);
-    if (elements.size() < end) // some were taken out of the tree
-        elements.resize(end);
-    if (elements.size() > end) // walking to the first again and again has to stay rare
-        end = std::min({size_, elements.size(), std::max(end, begin + begin / 2)});
-
-    const std::size_t from_end = elements.size() - begin;
-    auto element = from_end < begin ? std::prev(elements.end(), static_cast<std::ptrdiff_t>(from_end))
-                                    : std::next(elements.begin(), static_cast<std::ptrdiff_t>(begin));
-    for (; records_.size() < end; ++element)
-    {
-        typename T::Binding binding(*element);
-        binding.settled = true;
-        records_.push_back(boost::make_shared<T>(binding));
-    }
+    const auto is_noted = [&] { return elements_ && index < elements_->size() && (*elements_)[index] != nullptr; };
+    if (!is_noted() && elements_)
+        list().fill_list(std::max(index + 1, std::min(size_, index + index / 2))); // going to the list is not free
+    // Where the list has been replaced since, the place counts.
+    return is_noted() ? *(*elements_)[index] : list().at(index);
 }
 
 VELA_ABI_NAMESPACE_END

@@ -3,6 +3,8 @@
 #include <Ome/Id.h>
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace Ome::detail {
@@ -41,23 +43,86 @@ double OffsetRule::at(std::size_t index) const
     return at_place(std::get<PlaceRule>(*places->find(index)).place(index));
 }
 
-void RuleHistory::set(std::size_t end, Rule rule)
+std::size_t OffsetRule::weight() const
 {
-    while (!entries_.empty() && entries_.back().end <= end)
-        entries_.pop_back();
-    if (end > 0)
-        entries_.push_back({end, std::move(rule)});
+    return places->weight();
+}
+
+namespace {
+
+/// Whether elements with the value of the one rule keep it where the other is given.
+bool is_equal(const Rule& left, const Rule& right)
+{
+    return left == right;
+}
+
+/// The same, and their text is the same too: zeros of either sign are equal.
+bool is_identical(const Rule& left, const Rule& right)
+{
+    if (!is_equal(left, right))
+        return false;
+    const auto* const value = std::get_if<Json::Value>(&left);
+    const double* const decimal = value == nullptr ? nullptr : value->if_decimal();
+    return decimal == nullptr || std::signbit(*decimal) == std::signbit(*std::get<Json::Value>(right).if_decimal());
+}
+
+void append(std::vector<RuleHistory::Entry>& entries, std::size_t end, const Rule& rule)
+{
+    if (!entries.empty() && is_identical(entries.back().rule, rule))
+        entries.back().end = end;
+    else
+        entries.push_back({end, rule});
+}
+
+}
+
+void RuleHistory::set(std::size_t end, const Rule& rule)
+{
+    std::vector<Entry> after;
+    std::size_t begin = 0;
+    for (const Entry& entry : entries_)
+    {
+        if (begin < end && !is_equal(entry.rule, rule))
+            append(after, std::min(entry.end, end), rule);
+        else
+            append(after, std::min(entry.end, std::max(begin, end)), entry.rule);
+        if (entry.end > end)
+            append(after, entry.end, entry.rule);
+        begin = entry.end;
+    }
+    if (begin < end)
+        append(after, end, rule);
+    entries_ = std::move(after);
 }
 
 const Rule* RuleHistory::find(std::size_t index) const
 {
-    const auto entry = std::find_if(begin(), end(), [index](const Entry& candidate) { return index < candidate.end; });
-    return entry == end() ? nullptr : &entry->rule;
+    const auto entry = std::ranges::upper_bound(entries_, index, {}, &Entry::end);
+    return entry == entries_.end() ? nullptr : &entry->rule;
+}
+
+std::size_t RuleHistory::weight() const
+{
+    std::size_t sum = 0;
+    for (const Entry& entry : entries_)
+    {
+        const auto* const offset = std::get_if<OffsetRule>(&entry.rule);
+        sum += 1 + (offset == nullptr ? 0 : offset->weight());
+    }
+    return sum;
 }
 
 ElementHistory::ElementHistory(const Json::Value& prototype)
     : prototype_(&prototype), rules_(prototype.if_object()->size())
 {
+}
+
+std::size_t ElementHistory::weight() const
+{
+    std::size_t sum = 0;
+    for (const RuleHistory& rules : rules_)
+        sum += rules.weight();
+    return sum;
 }
 
 void ElementHistory::extend(std::size_t count)
@@ -100,6 +165,32 @@ std::size_t ElementHistory::row(const Json::Value& prototype_slot) const
     const auto entry =
         std::ranges::find_if(object, [&](const auto& candidate) { return &candidate.second == &prototype_slot; });
     return static_cast<std::size_t>(std::distance(object.begin(), entry));
+}
+
+WatchedHistory::WatchedHistory(History history, const Tables& tables) : history_(std::move(history))
+{
+    std::ranges::copy_if(tables, std::back_inserter(tables_), [](const auto& table) { return !table.expired(); });
+}
+
+bool WatchedHistory::notes_in(const boost::shared_ptr<ElementTable>& table) const
+{
+    return std::ranges::any_of(tables_, [&](const auto& noted) { return table && noted.lock() == table; });
+}
+
+void WatchedHistory::fill(std::list<Json::Value>& list, std::size_t end) const
+{
+    std::vector<boost::shared_ptr<ElementTable>> noted;
+    for (const auto& table : tables_)
+        if (auto locked = table.lock())
+            noted.push_back(std::move(locked));
+    for (std::size_t index = list.size(); index < end; ++index)
+    {
+        for (const auto& table : noted)
+            table->resize(std::max(table->size(), index + 1));
+        history_->fill(list, index + 1);
+        for (const auto& table : noted)
+            (*table)[index] = &list.back();
+    }
 }
 
 } // namespace Ome::detail

@@ -5,10 +5,11 @@
 #include <Json/Value.h>
 
 #include <boost/shared_ptr.hpp>
+#include <boost/weak_ptr.hpp>
 
 #include <cstddef>
-#include <cstdint>
-#include <string>
+#include <deque>
+#include <list>
 #include <variant>
 #include <vector>
 
@@ -18,6 +19,8 @@ namespace Ome::detail {
 struct IdRule
 {
     const char* name;
+
+    bool operator==(const IdRule&) const = default;
 };
 
 /// The place of a plane along one axis. Planes are counted with C running fastest, then T, then Z.
@@ -31,6 +34,8 @@ struct PlaceRule
     };
 
     std::size_t place(std::size_t index) const;
+
+    bool operator==(const PlaceRule&) const = default;
 
     Axis axis;
     std::size_t count_t;
@@ -54,14 +59,15 @@ struct OffsetRule
     }
 
     double at(std::size_t index) const;
+    std::size_t weight() const;
+
+    bool operator==(const OffsetRule&) const = default;
 };
 
 /// What the value under one key follows from.
 using Rule = std::variant<Json::Value, IdRule, PlaceRule, OffsetRule>;
 
-/// The rules that have been given for one key, each to all elements before an end.
-///
-/// A rule replaces those that it reaches beyond, so the ends descend from the oldest rule to the newest.
+/// The rules that hold for one key: each for the elements from the end of the one before to its own end.
 class RuleHistory
 {
 public:
@@ -73,18 +79,21 @@ public:
 
     bool empty() const { return entries_.empty(); }
 
-    /// Gives the elements before `end` a rule; with an `end` of 0, none.
-    void set(std::size_t end, Rule rule);
+    /// Gives the elements before `end` a rule; with an `end` of 0, none. An element whose value is equal keeps the
+    /// old one, as a field does: a zero keeps its sign.
+    void set(std::size_t end, const Rule& rule);
 
-    /// The newest rule that reaches `index`; null where there is none.
+    /// The rule for `index`; null where there is none.
     const Rule* find(std::size_t index) const;
 
-    /// From the newest, which holds from element 0, to the oldest.
-    auto begin() const { return entries_.rbegin(); }
-    auto end() const { return entries_.rend(); }
+    /// How much there is to keep, which grows where each layout is smaller than the one before.
+    std::size_t weight() const;
+
+    auto begin() const { return entries_.begin(); }
+    auto end() const { return entries_.end(); }
 
 private:
-    std::vector<Entry> entries_;
+    std::vector<Entry> entries_; ///< by ascending ends
 };
 
 /// The source of a list of elements that all began as copies of one.
@@ -98,6 +107,8 @@ public:
 
     std::size_t count() const override { return count_; }
     void fill(std::list<Json::Value>& list, std::size_t end) const override;
+
+    std::size_t weight() const;
 
     /// Makes the list at least `count` elements long.
     void extend(std::size_t count);
@@ -113,6 +124,33 @@ private:
     const Json::Value* prototype_;
     std::size_t count_ = 0;
     std::vector<RuleHistory> rules_; ///< in the order of the prototype's keys
+};
+
+/// The elements of a list, in the order in which they stood there when they were made.
+using ElementTable = std::deque<Json::Value*>;
+
+/// A history that notes the elements which it makes in the tables of the collections that lie over the list, so
+/// that they find them wherever somebody moves them within the tree.
+class WatchedHistory final : public Json::ListSource
+{
+public:
+    using History = boost::shared_ptr<const ElementHistory>;
+    using Tables = std::vector<boost::weak_ptr<ElementTable>>;
+
+    /// Tables whose collection is gone are forgotten.
+    WatchedHistory(History history, const Tables& tables);
+
+    const History& history() const { return history_; }
+    const Tables& tables() const { return tables_; }
+    bool notes_in(const boost::shared_ptr<ElementTable>& table) const;
+
+    std::size_t count() const override { return history_->count(); }
+    void fill(std::list<Json::Value>& list, std::size_t end) const override;
+    boost::shared_ptr<const Json::ListSource> source_of_copy() const override { return history_; }
+
+private:
+    History history_;
+    Tables tables_;
 };
 
 } // namespace Ome::detail

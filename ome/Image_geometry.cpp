@@ -4,6 +4,8 @@
 #include <Ome/Image.h>
 
 #include <algorithm>
+#include <limits>
+#include <ranges>
 #include <stdexcept>
 
 namespace Ome {
@@ -25,6 +27,12 @@ constexpr double longest_in_metres = 0.01;
     throw std::invalid_argument("Unsupported physical dimension");
 }
 
+/// A size of 0, which somebody has written past the field, gives what the division gives where it is defined.
+double divide(double len, std::int64_t size)
+{
+    return size == 0 ? len * std::numeric_limits<double>::infinity() : len / static_cast<double>(size);
+}
+
 template <class Size, class PhysicalSize, class Unit>
 void set_physical_size(double len, const Size& size, PhysicalSize& physical_size, Unit& unit)
 {
@@ -34,28 +42,38 @@ void set_physical_size(double len, const Size& size, PhysicalSize& physical_size
         unit = "pixel";
         return;
     }
-    physical_size = len / static_cast<double>(size.get());
+    physical_size = divide(len, size);
     unit = len <= longest_in_metres ? "m" : "\xC2\xB5m";
 }
 
-/// The first plane from `begin` to `end` whose time is not above 0; `end` if there is none.
+/// The first plane of a layout, from `begin` on, whose time is not above 0; at best one at or behind `end`.
 ///
-/// Among the planes of one layout the time never falls with T, so those that fail are the first of each Z.
-std::size_t first_failing_time(const OffsetRule& times, std::size_t begin, std::size_t end)
+/// Times rise or fall with T, C running faster and Z slower. So those that fail are the first or the last of each Z.
+std::size_t first_failing_time(const OffsetRule& times, const PlaceRule& layout, std::size_t begin, std::size_t end)
 {
     const auto fails = [&times](std::size_t place) { return !(times.at_place(place) > 0); };
+    if (fails(layout.place(begin)))
+        return begin;
+    const std::size_t planes_of_z = layout.count_t * layout.count_c;
+    const std::size_t begin_of_z = begin / planes_of_z * planes_of_z;
+    if (fails(0))
+        return begin_of_z + planes_of_z;
+    const auto places = std::views::iota(std::size_t{0}, layout.count_t);
+    const auto first = std::ranges::partition_point(places, [&](std::size_t place) { return !fails(place); });
+    return first == places.end() ? end : begin_of_z + *first * layout.count_c;
+}
+
+/// The same for all layouts from `begin` to `end`; `end` if there is none.
+std::size_t first_failing_time(const OffsetRule& times, std::size_t begin, std::size_t end)
+{
     for (const RuleHistory::Entry& entry : *times.places)
     {
         const std::size_t layout_end = std::min(entry.end, end);
         if (begin >= layout_end)
             continue;
-        const auto& layout = std::get<PlaceRule>(entry.rule);
-        if (fails(layout.place(begin)))
-            return begin;
-        const std::size_t planes_of_z = layout.count_t * layout.count_c;
-        const std::size_t next_z = (begin / planes_of_z + 1) * planes_of_z;
-        if (fails(0) && next_z < layout_end)
-            return next_z;
+        const std::size_t failing = first_failing_time(times, std::get<PlaceRule>(entry.rule), begin, layout_end);
+        if (failing < layout_end)
+            return failing;
         begin = layout_end;
     }
     return end;
@@ -177,7 +195,7 @@ void Image<Reference>::set_len(std::size_t d, double len)
         break;
     }
     const bool timed = len != 0 && size_t != 1;
-    time_increment = timed ? Json::Value(len / static_cast<double>(size_t.get())) : Json::Value();
+    time_increment = timed ? Json::Value(divide(len, size_t)) : Json::Value();
     time_increment_unit = timed ? Json::Value("s") : Json::Value();
 }
 
@@ -196,20 +214,27 @@ void Image<Reference>::set_off(std::size_t d, double off)
         set_constant(planes, PlaneChange{&Record::position_y, &Record::position_y_unit, physical_size_y_unit.value()},
                      off);
         return;
-    case Axis::z:
+    case Axis::z: {
+        const std::int64_t count = size_z;
         set_steps(planes, PlaneChange{&Record::position_z, &Record::position_z_unit, physical_size_z_unit.value()},
-                  &Record::the_z, off, physical_size_z, size_z, none_fails);
+                  &Record::the_z, off, physical_size_z, count, none_fails);
         return;
+    }
     case Axis::c:
         fail_dimension();
     case Axis::t:
         break;
     }
     if (time_increment.is_null())
+    {
         set_constant(planes, PlaneChange{&Record::delta_t, &Record::delta_t_unit, Json::Value()}, Json::Value());
-    else
-        set_steps(planes, PlaneChange{&Record::delta_t, &Record::delta_t_unit, time_increment_unit.value()},
-                  &Record::the_t, off, time_increment, size_t, first_failing_time);
+        return;
+    }
+    const std::int64_t count = size_t;
+    set_steps(planes, PlaneChange{&Record::delta_t, &Record::delta_t_unit, time_increment_unit.value()}, &Record::the_t,
+              off, time_increment, count,
+              [](const OffsetRule& times, std::size_t begin, std::size_t end)
+              { return first_failing_time(times, begin, end); });
 }
 
 template void Image<Json::SignalingReference>::set_len(std::size_t, double);

@@ -40,13 +40,8 @@ public:
             letters_ = get_enumeration_text(DimensionOrder::XYZTC);
     }
 
-    /// @throws std::invalid_argument "Unsupported physical dimension": `d` is no dimension
-    Axis axis_of(std::size_t d) const
-    {
-        if (d >= dimension_count)
-            throw std::invalid_argument("Unsupported physical dimension");
-        return static_cast<Axis>(letters_[d]);
-    }
+    /// `d` is below `dimension_count`.
+    Axis axis_of(std::size_t d) const { return static_cast<Axis>(letters_[d]); }
 
     std::size_t dimension_of(Axis axis) const { return letters_.find(static_cast<char>(axis)); }
 
@@ -55,8 +50,11 @@ private:
 };
 
 /// Which axis dimension `d` is. X and Y come first in every order.
+/// @throws std::invalid_argument "Unsupported physical dimension": `d` is no dimension
 inline Axis axis_of_dimension(std::size_t d, const Json::Value& order)
 {
+    if (d >= dimension_count)
+        throw std::invalid_argument("Unsupported physical dimension");
     if (d < 2)
         return d == 0 ? Axis::x : Axis::y;
     return DimensionAxes(order).axis_of(d);

@@ -187,7 +187,8 @@ struct VELA_API Value
     std::size_t filled_count() const noexcept;
 
     /// Accesses the value as list, and fills it up to `end` elements or its count, whatever is less. The
-    /// list that comes back may hold only these: `count()` tells how many there will be.
+    /// list that comes back may hold only these: `count()` tells how many there will be. Its elements may be changed;
+    /// but as the rest goes by its size, nothing may be added or taken away before it is whole.
     List& fill_list(std::size_t end);
     /// @}
 

@@ -40,7 +40,8 @@ public:
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
 
-    /// The record `index`, which must be below `size()`. Making it takes those before it along.
+    /// The record `index`, which must be below `size()`. The elements of the tree up to its own are made.
+    /// @throws std::bad_cast "bad cast": somebody has put something else than an object in the place of its element
     const boost::shared_ptr<T>& operator[](std::size_t index) const;
 
     /// Adds a record: on the slot behind those of the records there are, which a collection that has been cleared
@@ -60,11 +61,12 @@ private:
     friend struct CollectionFiller;
 
     Json::Value& list() const;
-    void make_records(std::size_t end) const;
+    Json::Value& element(std::size_t index) const;
 
     const Content* content_;
     std::size_t size_ = 0;
-    mutable std::deque<boost::shared_ptr<T>> records_; ///< the first of them, as far as they were looked at
+    mutable std::deque<boost::shared_ptr<T>> records_;     ///< null where nobody has looked yet
+    boost::shared_ptr<std::deque<Json::Value*>> elements_; ///< the elements that are in the tree
 };
 
 template <class T>

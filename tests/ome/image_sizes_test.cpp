@@ -11,7 +11,6 @@
 
 namespace {
 
-using vela_test::EagerImage;
 using vela_test::Image;
 using vela_test::Value;
 using Object = Value::Object;
