@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <ranges>
 #include <stdexcept>
 
 namespace Ome {
@@ -58,9 +57,16 @@ std::size_t first_failing_time(const OffsetRule& times, const PlaceRule& layout,
     const std::size_t begin_of_z = begin / planes_of_z * planes_of_z;
     if (fails(0))
         return begin_of_z + planes_of_z;
-    const auto places = std::views::iota(std::size_t{0}, layout.count_t);
-    const auto first = std::ranges::partition_point(places, [&](std::size_t place) { return !fails(place); });
-    return first == places.end() ? end : begin_of_z + *first * layout.count_c;
+    std::size_t passing_end = 1;
+    for (std::size_t failing = layout.count_t; passing_end < failing;)
+    {
+        const std::size_t middle = passing_end + (failing - passing_end) / 2;
+        if (fails(middle))
+            failing = middle;
+        else
+            passing_end = middle + 1;
+    }
+    return passing_end == layout.count_t ? end : begin_of_z + passing_end * layout.count_c;
 }
 
 /// The same for all layouts from `begin` to `end`; `end` if there is none.
