@@ -152,10 +152,17 @@ void Value::destroy_payload() noexcept
         detail::TreeDestroyer::empty(*this); // which may turn a list into an object, and back
     switch (kind_)
     {
-    case Kind::string: string_.~basic_string(); break;
-    case Kind::list: list_.~SourcedList(); break;
-    case Kind::object: object_.~Object(); break;
-    default: break;
+    case Kind::string:
+        string_.~basic_string();
+        break;
+    case Kind::list:
+        list_.~SourcedList();
+        break;
+    case Kind::object:
+        object_.~Object();
+        break;
+    default:
+        break;
     }
 }
 

@@ -188,7 +188,7 @@ template <class T>
 boost::shared_ptr<T> Collection<T>::add(const Json::Value& default_value)
 {
     Json::Value& slot = list().at(size_);
-    const auto record = boost::make_shared<T>(slot, default_value, size_ + 1);
+    auto record = boost::make_shared<T>(slot, default_value, size_ + 1);
     if (!elements_)
         elements_ = boost::make_shared<detail::ElementTable>();
     elements_->resize(std::max(elements_->size(), size_ + 1));

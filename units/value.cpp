@@ -157,7 +157,8 @@ value& value::operator^=(const fraction& power)
 
 bool value::is_dimensionless() const
 {
-    return valid_ && exponents_ == std::array<fraction, dimension_count>();
+    const std::array<fraction, dimension_count> none;
+    return valid_ && exponents_ == none;
 }
 
 bool value::is_compatible(const value& other) const

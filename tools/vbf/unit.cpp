@@ -74,7 +74,7 @@ std::string dimension_text(const si::value& quantity)
             continue;
         result += std::string(" ") + base_units[i];
         if (denominator != "1")
-            result += "^(" + numerator + "/" + denominator + ")";
+            result.append("^(").append(numerator).append("/").append(denominator).append(")");
         else if (numerator != "1")
             result += "^" + numerator;
     }
