@@ -65,7 +65,8 @@ public:
     /// The attributes of the processing instruction.
     const Value::Object& object() const;
 
-    /// Empties the reader's own map; the target and the state are left alone.
+    /// Empties the reader's own map; the target and the state are left alone. So within a declaration the attribute
+    /// that is being read stays, null until its value has come.
     void clear();
 
 private:
