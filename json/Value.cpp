@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iterator>
 #include <new>
+#include <stdexcept>
 #include <typeinfo>
 
 namespace Json {
@@ -20,6 +21,11 @@ struct BadCast final : std::bad_cast
 
 /// 2^63, the first number above the integers.
 constexpr double integer_limit = 9223372036854775808.0;
+
+constexpr bool is_known(Value::Kind kind)
+{
+    return kind >= Value::Kind::null && kind <= Value::Kind::object;
+}
 
 }
 
@@ -231,6 +237,8 @@ Value::SourcedList& Value::as_sourced_list()
 {
     if (is_null())
         *this = List();
+    if (!is_known(kind_))
+        detail::throw_bad_cast();
     if (!is_list())
     {
         List only;
@@ -247,6 +255,8 @@ Value& Value::at(const std::string& key)
 
 Value& Value::at(std::size_t index)
 {
+    if (index >= List().max_size())
+        throw std::length_error("Unsupported list index");
     List& elements = fill_list(index < count() ? index + 1 : count());
     if (index >= elements.size())
         elements.resize(index + 1);

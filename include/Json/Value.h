@@ -164,6 +164,7 @@ struct VELA_API Value
 
     /// The element `index`. Accesses the value as list; an index at or past the end makes the list `index` + 1
     /// elements long, the new ones null. A list has to be walked, from its nearer end.
+    /// @throws std::length_error "Unsupported list index": no list can be that long; the value is as it was
     Value& at(std::size_t index);
 
     /// The size of a list, 0 for null, 1 for anything else.
