@@ -25,10 +25,18 @@ struct TreeDestroyer;
 /// Throws a `std::bad_cast` with the text "bad cast".
 [[noreturn]] VELA_API void throw_bad_cast();
 
-/// The integers that a value can be made from: all but `bool` and the wide character types.
+/// Characters of Unicode, which are texts and no numbers.
 template <class T>
-constexpr bool is_integer_type = std::is_integral_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, wchar_t> &&
-                                 !std::is_same_v<T, char16_t> && !std::is_same_v<T, char32_t>;
+constexpr bool is_wide_character = std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
+#ifdef __cpp_char8_t
+                                   std::is_same_v<T, char8_t> ||
+#endif
+                                   std::is_same_v<T, char32_t>;
+
+/// The integers that a value can be made from: up to 64 bits, but no `bool` and no characters of Unicode.
+template <class T>
+constexpr bool is_integer_type = std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t) &&
+                                 !std::is_same_v<T, bool> && !is_wide_character<T>;
 
 }
 
