@@ -34,6 +34,14 @@ void detail::throw_bad_cast()
     throw BadCast();
 }
 
+bool detail::get_integer(double decimal, std::int64_t& integer) noexcept
+{
+    const bool held = decimal >= -integer_limit && decimal < integer_limit && std::trunc(decimal) == decimal;
+    if (held)
+        integer = static_cast<std::int64_t>(decimal);
+    return held;
+}
+
 ListSource::~ListSource() = default;
 
 Value::Value() noexcept : kind_(Kind::null), integer_(0) {}
@@ -196,13 +204,9 @@ double& Value::as_decimal()
 
 std::int64_t& Value::as_integer()
 {
-    if (is_decimal())
-    {
-        const bool held = decimal_ >= -integer_limit && decimal_ < integer_limit && std::trunc(decimal_) == decimal_;
-        if (!held)
-            detail::throw_bad_cast();
-        *this = static_cast<std::int64_t>(decimal_);
-    }
+    std::int64_t whole = 0;
+    if (is_decimal() && detail::get_integer(decimal_, whole))
+        *this = whole;
     if (!is_integer())
         detail::throw_bad_cast();
     return integer_;

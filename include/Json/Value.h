@@ -25,6 +25,9 @@ struct TreeDestroyer;
 /// Throws a `std::bad_cast` with the text "bad cast".
 [[noreturn]] VELA_API void throw_bad_cast();
 
+/// Whether `integer` has become the same number as `decimal`; false where no integer is.
+VELA_API bool get_integer(double decimal, std::int64_t& integer) noexcept;
+
 /// Characters of Unicode, which are texts and no numbers.
 template <class T>
 constexpr bool is_wide_character = std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||

@@ -9,9 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace field_test {
@@ -600,6 +602,55 @@ TEST_F(FieldReading, TextsCompareWithTexts)
     EXPECT_TRUE(field != std::string("abcd"));
 }
 
+/// A text that may not be empty, as a date.
+struct FilledText
+{
+    using type = std::string;
+    static bool check(const Value& v) { return checked(v, v.if_string() != nullptr && !v.if_string()->empty()); }
+};
+
+/// A text of the enumeration.
+struct KnownColour
+{
+    using type = Colour;
+    static bool check(const Value& v)
+    {
+        return checked(v, v.if_string() != nullptr && (*v.if_string() == "Red" || *v.if_string() == "Green"));
+    }
+};
+
+TEST_F(FieldReading, OfANullTextThatMayNotBeEmptyLeavesASlotThatNoFieldIsBoundToAgain)
+{
+    Value slot;
+    const Field<FilledText> field(slot);
+    EXPECT_EQ(field.get(), "");
+    EXPECT_EQ(value_text(slot), "''");
+    EXPECT_BAD_CAST(const Field<FilledText> again(slot));
+    Value copy(slot);
+    EXPECT_BAD_CAST(const Field<FilledText> again(copy));
+}
+
+TEST_F(FieldReading, OfANullEnumerationHasAllBitsSetAndLeavesASlotThatNoFieldIsBoundToAgain)
+{
+    Value slot;
+    const Field<KnownColour> field(slot);
+    EXPECT_EQ(static_cast<std::int32_t>(field.get()), -1);
+    EXPECT_EQ(value_text(slot), "''");
+    EXPECT_BAD_CAST(const Field<KnownColour> again(slot));
+}
+
+TEST_F(FieldReading, BehindAQuestionForNullLeavesTheSlot)
+{
+    Value slot;
+    const Field<FilledText> text(slot);
+    const Field<KnownColour> colour(slot);
+    EXPECT_TRUE(text.is_null());
+    EXPECT_TRUE(colour.is_null());
+    EXPECT_NO_THROW(const Field<FilledText> again(slot));
+    EXPECT_NO_THROW(const Field<KnownColour> again(slot));
+    EXPECT_TRUE(slot.is_null());
+}
+
 TEST_F(FieldReading, SignalsNothing)
 {
     Value slot(5);
@@ -648,6 +699,90 @@ TEST_F(FieldHandler, SeesAnIntegerInADecimalFieldAsADecimal)
     field = Value(3);
     EXPECT_EQ(recorder->values, std::vector<double>{3.0});
     EXPECT_EQ(value_text(slot), "i:3");
+}
+
+TEST_F(FieldHandler, SeesADecimalInAnIntegerFieldAsTheIntegerThatItIsReadAs)
+{
+    Value slot;
+    Field<LooseInteger> field(slot);
+    const auto recorder = record(field);
+    field = Value(5.0);
+    EXPECT_EQ(recorder->values, std::vector<std::int64_t>{5});
+    EXPECT_EQ(value_text(slot), "d:0x1.4p+2") << "a signal converts nothing";
+    field = Value(-9223372036854775808.0);
+    field = Value(2.5);
+    field = Value(9223372036854775808.0);
+    field = Value(std::nan(""));
+    EXPECT_EQ(recorder->values, (std::vector<std::int64_t>{5, INT64_MIN, 0, 0, 0}));
+}
+
+/// Notes where the value lies that it is called with, and may do something then.
+template <class T>
+struct AddressRecorder : ChangeHandler<T>
+{
+    void changed(const T& value) override
+    {
+        address = &value;
+        was_empty = value.empty();
+        if (during)
+            std::exchange(during, nullptr)();
+    }
+
+    const T* address = nullptr;
+    bool was_empty = false;
+    std::function<void()> during;
+};
+
+TEST_F(FieldHandler, IsCalledWithTheTextOrTheMapInTheSlotItself)
+{
+    Value tree;
+    Field<ShortText> text(tree.at("text"));
+    Field<Structure> structure(tree.at("structure"));
+    const auto texts = boost::make_shared<AddressRecorder<std::string>>();
+    const auto structures = boost::make_shared<AddressRecorder<Value::Object>>();
+    text.set_change_handler(texts);
+    structure.set_change_handler(structures);
+    text = "abc";
+    EXPECT_EQ(texts->address, tree.at("text").if_string());
+    EXPECT_FALSE(texts->was_empty);
+    structure = Value(Value::Object{{"a", Value(1)}});
+    EXPECT_EQ(structures->address, tree.at("structure").if_object());
+    EXPECT_FALSE(structures->was_empty);
+    text = Value();
+    structure = Value();
+    EXPECT_NE(texts->address, nullptr);
+    EXPECT_TRUE(texts->was_empty);
+    EXPECT_NE(structures->address, nullptr);
+    EXPECT_TRUE(structures->was_empty);
+    EXPECT_TRUE(text.is_null() && structure.is_null());
+}
+
+TEST_F(FieldHandler, MayAssignToTheFieldThatItIsCalledFor)
+{
+    Value tree;
+    Field<ShortText> text(tree.at("text"));
+    Field<Structure> structure(tree.at("structure"));
+    const auto texts = boost::make_shared<AddressRecorder<std::string>>();
+    const auto structures = boost::make_shared<AddressRecorder<Value::Object>>();
+    text.set_change_handler(texts);
+    structure.set_change_handler(structures);
+    for (const Value& again : {Value("other"), Value()})
+    {
+        text = "first";
+        texts->during = [&] { text = again; };
+        text = "abc";
+        EXPECT_EQ(value_text(tree.at("text")), value_text(again));
+    }
+    for (const Value& again : {Value(Value::Object{{"b", Value("c")}, {"d", Value()}}), Value()})
+    {
+        structure = Value();
+        structures->during = [&] { structure = again; };
+        structure = Value(Value::Object{{"a", Value(std::string(100, 'x'))}});
+        EXPECT_EQ(value_text(tree.at("structure")), value_text(again));
+    }
+    texts->during = [&] { text.set_change_handler(nullptr); };
+    text = "last";
+    EXPECT_TRUE(texts.unique());
 }
 
 TEST_F(FieldHandler, IsToldOfNullAsTheEmptyValueOfItsType)
