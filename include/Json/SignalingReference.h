@@ -181,6 +181,7 @@ public:
     Field(const Field&) = delete;
 
     /// Does nothing if the slot equals `new_value`. Otherwise checks it, stores it, and calls the handler.
+    /// What the handler throws comes out, and the new value stays.
     /// @throws std::bad_cast "bad cast": the check fails; the slot is unchanged
     Field& operator=(const Value& new_value)
     {

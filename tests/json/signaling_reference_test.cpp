@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -783,6 +784,45 @@ TEST_F(FieldHandler, MayAssignToTheFieldThatItIsCalledFor)
     texts->during = [&] { text.set_change_handler(nullptr); };
     text = "last";
     EXPECT_TRUE(texts.unique());
+}
+
+/// Has the field that owns it let it go while it is called.
+struct SelfRemover : ChangeHandler<std::string>
+{
+    explicit SelfRemover(Field<ShortText>& owner) : field(owner) {}
+    ~SelfRemover() override { ++destroyed; }
+    void changed(const std::string& value) override
+    {
+        field.set_change_handler(nullptr);
+        destroyed_while_called = destroyed;
+        seen = value;
+    }
+
+    Field<ShortText>& field;
+    static inline int destroyed = 0;
+    static inline int destroyed_while_called = -1;
+    static inline std::string seen;
+};
+
+TEST_F(FieldHandler, StaysUntilItReturnsWhenItRemovesItself)
+{
+    Value slot;
+    Field<ShortText> field(slot);
+    field.set_change_handler(boost::make_shared<SelfRemover>(field));
+    field = "abc";
+    EXPECT_EQ(SelfRemover::seen, "abc");
+    EXPECT_EQ(SelfRemover::destroyed_while_called, 0);
+    EXPECT_EQ(SelfRemover::destroyed, 1);
+}
+
+TEST_F(FieldHandler, ThatThrowsLeavesTheNewValue)
+{
+    Value slot(1);
+    Field<Positive> field(slot);
+    const auto recorder = record(field);
+    recorder->during = [] { throw std::runtime_error("not now"); };
+    EXPECT_THROW(field = Value(2), std::runtime_error);
+    EXPECT_EQ(value_text(slot), "i:2");
 }
 
 TEST_F(FieldHandler, IsToldOfNullAsTheEmptyValueOfItsType)
