@@ -37,7 +37,7 @@ bool is_unwieldy(double number)
     return std::fabs(number) >= 1000 || std::fabs(number) < 0.01;
 }
 
-/// The first row of this dimension. A mass is taken in g, from 1000 kg on in t, and never in kg, which has no prefix.
+/// The first row of this dimension. A mass is taken in g, above 1000 kg in t, and never in kg, which has no prefix.
 const unit* find_named_unit(const value& quantity)
 {
     const double number = quantity.value_in_baseunits();

@@ -53,7 +53,8 @@ constexpr bool is_integer_type = std::is_integral_v<T> && sizeof(T) <= sizeof(st
 ///
 /// Every failed access throws `std::bad_cast` with the text "bad cast" and leaves the value as it was.
 ///
-/// References to elements of lists and to entries of maps stay valid while others are added.
+/// References to elements of lists and to entries of maps stay valid while others are added. A value must not be moved
+/// into a part of itself; copied it may be.
 struct VELA_API Value
 {
     /// The order is fixed: it is the number of the kind.

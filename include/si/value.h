@@ -157,7 +157,8 @@ public:
     ///
     /// `precision` is the count of significant digits; numbers outside 0.01 to 1000 get an exponent. The unit is the
     /// first of the table with this dimension, or is composed of base units, as in "m*kg/s^2", and then without
-    /// prefix. 0 prints as "0.000" and 1 as "1", whatever the precision.
+    /// prefix. With `with_blank`, numbers from 0.1 to 1 take none either: "0.500 m", but "500mm". 0 prints as "0.000"
+    /// and 1 as "1", whatever the precision.
     ///
     /// A number that is not finite prints as "inf" or "nan" with the exponent 0, as in "infe0 m". A finite one never
     /// does, also where `double` cannot hold how many of the unit it is: 1e300 square metres are "1.00e328 barn".
