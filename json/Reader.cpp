@@ -61,7 +61,11 @@ const Value::Object& Reader::object() const
 
 void Reader::clear()
 {
-    root_.as_object().clear();
+    // The member that is being read stays: what reads it refers to it, or to what is in it.
+    const Value* const container = open_.size() > 1 ? open_[1] : nullptr;
+    const auto is_read = [&](const Value& member)
+    { return &member == container || &member == slot_ || (text_ != nullptr && member.if_string() == text_); };
+    erase_if(root_.as_object(), [&](const auto& member) { return !is_read(member.second); });
 }
 
 void Reader::read_string(const char*& p, const char* end)

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iterator>
 #include <new>
+#include <stdexcept>
 #include <typeinfo>
 
 namespace Json {
@@ -21,11 +22,24 @@ struct BadCast final : std::bad_cast
 /// 2^63, the first number above the integers.
 constexpr double integer_limit = 9223372036854775808.0;
 
+constexpr bool is_known(Value::Kind kind)
+{
+    return kind >= Value::Kind::null && kind <= Value::Kind::object;
+}
+
 }
 
 void detail::throw_bad_cast()
 {
     throw BadCast();
+}
+
+bool detail::get_integer(double decimal, std::int64_t& integer) noexcept
+{
+    const bool held = decimal >= -integer_limit && decimal < integer_limit && std::trunc(decimal) == decimal;
+    if (held)
+        integer = static_cast<std::int64_t>(decimal);
+    return held;
 }
 
 ListSource::~ListSource() = default;
@@ -197,13 +211,9 @@ double& Value::as_decimal()
 
 std::int64_t& Value::as_integer()
 {
-    if (is_decimal())
-    {
-        const bool held = decimal_ >= -integer_limit && decimal_ < integer_limit && std::trunc(decimal_) == decimal_;
-        if (!held)
-            detail::throw_bad_cast();
-        *this = static_cast<std::int64_t>(decimal_);
-    }
+    std::int64_t whole = 0;
+    if (is_decimal() && detail::get_integer(decimal_, whole))
+        *this = whole;
     if (!is_integer())
         detail::throw_bad_cast();
     return integer_;
@@ -238,6 +248,8 @@ Value::SourcedList& Value::as_sourced_list()
 {
     if (is_null())
         *this = List();
+    if (!is_known(kind_))
+        detail::throw_bad_cast();
     if (!is_list())
     {
         List only;
@@ -254,6 +266,8 @@ Value& Value::at(const std::string& key)
 
 Value& Value::at(std::size_t index)
 {
+    if (index >= List().max_size())
+        throw std::length_error("Unsupported list index");
     List& elements = fill_list(index < count() ? index + 1 : count());
     if (index >= elements.size())
         elements.resize(index + 1);

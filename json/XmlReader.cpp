@@ -88,7 +88,8 @@ const Value::Object& XmlReader::object() const
 
 void XmlReader::clear()
 {
-    declaration_.clear();
+    // What is being read goes on: it has its name, and its value is still to come.
+    erase_if(declaration_, [this](const auto& attribute) { return &attribute.second != slot_; });
 }
 
 /// Takes the characters from `p` on that leave the state as it is: they are appended, or skipped.

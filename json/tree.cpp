@@ -162,6 +162,9 @@ public:
         case Value::Kind::string:
             return *left.if_string() == *right.if_string();
         case Value::Kind::list:
+            if (left.count() != right.count()) // known without filling them
+                return false;
+            [[fallthrough]];
         case Value::Kind::object:
             pending_.emplace_back(&left, &right);
             return true;

@@ -21,6 +21,7 @@ long long read_exponent(std::string_view text)
     long long exponent = 0;
     if (std::from_chars(text.data(), text.data() + text.size(), exponent).ec == std::errc::result_out_of_range)
         exponent = far_away;
+    exponent = std::min(exponent, far_away);
     return negative ? -exponent : exponent;
 }
 

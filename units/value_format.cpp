@@ -37,7 +37,7 @@ bool is_unwieldy(double number)
     return std::fabs(number) >= 1000 || std::fabs(number) < 0.01;
 }
 
-/// The first row of this dimension. A mass is taken in g, from 1000 kg on in t, and never in kg, which has no prefix.
+/// The first row of this dimension. A mass is taken in g, above 1000 kg in t, and never in kg, which has no prefix.
 const unit* find_named_unit(const value& quantity)
 {
     const double number = quantity.value_in_baseunits();
@@ -106,15 +106,29 @@ int take_prefix(double& mantissa, const unit& named, int flags)
     return exponent;
 }
 
+/// A number of digits, a mantissa times ten to the `shift`.
+std::string text_with_exponent(double mantissa, int precision, int shift = 0)
+{
+    const int d = decade(mantissa);
+    return fixed_text(over_power_of_ten(mantissa, d), precision - 1LL) + "e" + std::to_string(d + shift);
+}
+
 std::string number_text(double mantissa, int precision)
 {
     const int d = decade(mantissa);
     const long long digits = precision;
     if (is_unwieldy(mantissa))
-        return fixed_text(over_power_of_ten(mantissa, d), digits - 1) + "e" + std::to_string(d);
+        return text_with_exponent(mantissa, precision);
     if (mantissa == 1.0)
         return "1";
     return fixed_text(mantissa, std::max(0LL, digits - d - 1));
+}
+
+/// How many of `named` a finite number is, where `double` cannot hold that: grams and barns are small.
+std::string text_beyond_double(double number, const unit& named, int precision)
+{
+    constexpr int shift = 100;
+    return text_with_exponent(number / 1e100 / named.value_in_baseunits(), precision, shift);
 }
 
 bool wants_prefix(const value& quantity, int flags)
@@ -140,6 +154,12 @@ void value::format(std::string& number, std::string& unit, int precision, int fl
     if (number_ == 0)
     {
         number = fixed_text(0, 3);
+        unit = std::move(unit_text);
+        return;
+    }
+    if (std::isinf(mantissa) && std::isfinite(number_)) // and no prefix reaches it
+    {
+        number = text_beyond_double(number_, *named, precision);
         unit = std::move(unit_text);
         return;
     }

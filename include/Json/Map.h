@@ -11,6 +11,7 @@
 #include <iterator>
 #include <limits>
 #include <memory>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -29,7 +30,8 @@ struct MapInspector;
 ///
 /// The interface is that of `std::map`, with what this means: inserting and erasing leave all other entries where
 /// they are in memory and all iterators to them valid; so do moving and swapping, after which they belong to the
-/// other map. Lookups take what compares with the key too, such as a `std::string_view` for a `std::string`.
+/// other map. For keys that are `std::string`, lookups take what converts to a `std::string_view` as it is; all else is
+/// converted to the key.
 ///
 /// A copy takes memory once: its entries lie one after the other in a block, which is given back with the
 /// last of them. So an entry alone can hold the memory of a whole map, and entries cannot leave their map: there
@@ -153,17 +155,17 @@ public:
     const V& at(const K& key) const { return tree_.at(key).pair.second; }
     /// @}
 
-    /// @name The same with what compares with a key, without making one
+    /// @name The same with what is a view of a string, without making one
     /// @{
     template <class Q, IfKeyLike<Q> = 0>
     iterator find(const Q& key)
     {
-        return iterator(tree_.find(Tree::searched(key)));
+        return iterator(tree_.find(detail::as_view(key)));
     }
     template <class Q, IfKeyLike<Q> = 0>
     const_iterator find(const Q& key) const
     {
-        return const_iterator(tree_.find(Tree::searched(key)));
+        return const_iterator(tree_.find(detail::as_view(key)));
     }
     template <class Q, IfKeyLike<Q> = 0>
     size_type count(const Q& key) const
@@ -173,37 +175,49 @@ public:
     template <class Q, IfKeyLike<Q> = 0>
     bool contains(const Q& key) const
     {
-        return tree_.find(Tree::searched(key)) != tree_.end();
+        return tree_.find(detail::as_view(key)) != tree_.end();
     }
     template <class Q, IfKeyLike<Q> = 0>
     iterator lower_bound(const Q& key)
     {
-        return iterator(tree_.lower_bound(Tree::searched(key)));
+        return iterator(tree_.lower_bound(detail::as_view(key)));
     }
     template <class Q, IfKeyLike<Q> = 0>
     const_iterator lower_bound(const Q& key) const
     {
-        return const_iterator(tree_.lower_bound(Tree::searched(key)));
+        return const_iterator(tree_.lower_bound(detail::as_view(key)));
     }
     template <class Q, IfKeyLike<Q> = 0>
     iterator upper_bound(const Q& key)
     {
-        return iterator(tree_.upper_bound(Tree::searched(key)));
+        return iterator(tree_.upper_bound(detail::as_view(key)));
     }
     template <class Q, IfKeyLike<Q> = 0>
     const_iterator upper_bound(const Q& key) const
     {
-        return const_iterator(tree_.upper_bound(Tree::searched(key)));
+        return const_iterator(tree_.upper_bound(detail::as_view(key)));
+    }
+    template <class Q, IfKeyLike<Q> = 0>
+    std::pair<iterator, iterator> equal_range(const Q& key)
+    {
+        const std::string_view view = detail::as_view(key);
+        return {lower_bound(view), upper_bound(view)};
+    }
+    template <class Q, IfKeyLike<Q> = 0>
+    std::pair<const_iterator, const_iterator> equal_range(const Q& key) const
+    {
+        const std::string_view view = detail::as_view(key);
+        return {lower_bound(view), upper_bound(view)};
     }
     template <class Q, IfKeyLike<Q> = 0>
     V& at(const Q& key)
     {
-        return tree_.at(Tree::searched(key)).pair.second;
+        return tree_.at(detail::as_view(key)).pair.second;
     }
     template <class Q, IfKeyLike<Q> = 0>
     const V& at(const Q& key) const
     {
-        return tree_.at(Tree::searched(key)).pair.second;
+        return tree_.at(detail::as_view(key)).pair.second;
     }
     /// @}
 
@@ -214,7 +228,7 @@ public:
     /// The value under `key`, which is made if it is missing.
     V& operator[](const K& key) { return try_emplace(key).first->second; }
     V& operator[](K&& key) { return try_emplace(std::move(key)).first->second; }
-    /// The same for what compares with a key. One is made only for a new entry.
+    /// The same for a view of a string. One is made only for a new entry.
     template <class Q, IfKeyLike<Q> = 0>
     V& operator[](Q&& key)
     {
@@ -280,7 +294,7 @@ public:
     template <class Q, class... Arguments, IfKeyLike<Q> = 0>
     std::pair<iterator, bool> try_emplace(Q&& key, Arguments&&... arguments)
     {
-        return put(tree_.place_of(Tree::searched(key)), std::forward<Q>(key), std::forward<Arguments>(arguments)...);
+        return put(tree_.place_of(detail::as_view(key)), std::forward<Q>(key), std::forward<Arguments>(arguments)...);
     }
     template <class... Arguments>
     iterator try_emplace(const_iterator hint, const K& key, Arguments&&... arguments)
@@ -306,7 +320,7 @@ public:
     template <class Q, class T, IfKeyLike<Q> = 0>
     std::pair<iterator, bool> insert_or_assign(Q&& key, T&& value)
     {
-        return put_or_assign(tree_.place_of(Tree::searched(key)), std::forward<Q>(key), std::forward<T>(value));
+        return put_or_assign(tree_.place_of(detail::as_view(key)), std::forward<Q>(key), std::forward<T>(value));
     }
     template <class T>
     iterator insert_or_assign(const_iterator hint, const K& key, T&& value)
@@ -396,6 +410,21 @@ private:
 
     Tree tree_;
 };
+
+/// Erases the entries for which `predicate(entry)` is true, and gives their count.
+template <class K, class V, class Predicate>
+std::size_t erase_if(Map<K, V>& map, Predicate predicate)
+{
+    const std::size_t size = map.size();
+    for (auto entry = map.begin(); entry != map.end();)
+    {
+        if (predicate(*entry))
+            entry = map.erase(entry);
+        else
+            ++entry;
+    }
+    return size - map.size();
+}
 
 VELA_ABI_NAMESPACE_END
 }

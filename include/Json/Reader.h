@@ -51,7 +51,8 @@ public:
     /// What has been read so far.
     const Value::Object& object() const;
 
-    /// Empties the object. For use between documents: within one, what it refers to would be gone.
+    /// Empties the object. For use between documents: within one, the member that is being read stays, with what it
+    /// has so far, and the document goes on.
     void clear();
 
 private:

@@ -21,14 +21,16 @@ public:
     virtual ~ChangeHandler() = default;
 
     /// `value` is what the field holds now. Null counts as false, 0, the empty text or object, or the
-    /// enumeration value with all bits set.
+    /// enumeration value with all bits set. A text or an object is the one in the slot: the reference is good
+    /// until the field changes again.
     virtual void changed(const T& value) = 0;
 };
 
 namespace detail {
 
 /// How a slot is read as each type; an enumeration by the function `get_enumeration` of its namespace.
-/// `read` is converting access; `look` changes nothing and is given only values that passed the field's check.
+/// `read` is converting access; `look` changes nothing and is given only values that passed the field's check. It gives
+/// the payload itself, or null, where the field is read as a reference.
 template <class T, class = void>
 struct Access
 {
@@ -59,7 +61,13 @@ template <>
 struct Access<std::int64_t>
 {
     static std::int64_t read(Value& slot) { return slot.as_integer(); }
-    static std::int64_t look(const Value& slot) { return slot.if_integer() == nullptr ? 0 : *slot.if_integer(); }
+    static std::int64_t look(const Value& slot)
+    {
+        std::int64_t integer = 0;
+        if (const double* decimal = slot.if_decimal())
+            get_integer(*decimal, integer);
+        return slot.if_integer() == nullptr ? integer : *slot.if_integer();
+    }
 };
 
 template <>
@@ -78,21 +86,28 @@ template <>
 struct Access<std::string>
 {
     static const std::string& read(Value& slot) { return slot.as_string(); }
-    static std::string look(const Value& slot)
-    {
-        return slot.if_string() == nullptr ? std::string() : *slot.if_string();
-    }
+    static const std::string* look(const Value& slot) { return slot.if_string(); }
 };
 
 template <>
 struct Access<Value::Object>
 {
     static Value::Object& read(Value& slot) { return slot.as_object(); }
-    static Value::Object look(const Value& slot)
-    {
-        return slot.if_object() == nullptr ? Value::Object() : *slot.if_object();
-    }
+    static const Value::Object* look(const Value& slot) { return slot.if_object(); }
 };
+
+/// Calls `handler` with what `slot` holds.
+template <class T>
+void tell(ChangeHandler<T>& handler, const Value& slot)
+{
+    const auto held = Access<T>::look(slot);
+    if constexpr (!std::is_pointer_v<decltype(held)>)
+        handler.changed(held);
+    else if (held != nullptr)
+        handler.changed(*held);
+    else
+        handler.changed(T());
+}
 
 }
 
@@ -166,6 +181,7 @@ public:
     Field(const Field&) = delete;
 
     /// Does nothing if the slot equals `new_value`. Otherwise checks it, stores it, and calls the handler.
+    /// What the handler throws comes out, and the new value stays.
     /// @throws std::bad_cast "bad cast": the check fails; the slot is unchanged
     Field& operator=(const Value& new_value)
     {
@@ -174,7 +190,7 @@ public:
         check(new_value);
         slot() = new_value;
         if (const boost::shared_ptr<ChangeHandler<type>> handler = handler_ ? *handler_ : nullptr)
-            handler->changed(detail::Access<type>::look(value())); // which may replace the handler
+            detail::tell(*handler, value()); // which may replace the handler, and assign to this field
         return *this;
     }
 
@@ -189,6 +205,10 @@ public:
     /// The payload, by the converting access of the field's type: a null text becomes the empty text, an
     /// integer read as a decimal becomes one. A structure comes as a reference to its map; what is written
     /// into that is not reported. A text outside the table of an enumeration has all bits set.
+    ///
+    /// Reading a null text or enumeration, or comparing it with a text, leaves "" in the slot for good. Where the check
+    /// refuses "", no field of that type can be bound to the slot any more, nor to a copy of it: `std::bad_cast`. So ask
+    /// `is_null` first.
     /// @throws std::bad_cast "bad cast": null, where the type is `bool` or a number
     decltype(auto) get() const { return detail::Access<type>::read(slot()); }
     operator decltype(detail::Access<type>::read(std::declval<Value&>()))() const { return get(); }

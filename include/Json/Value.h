@@ -25,10 +25,21 @@ struct TreeDestroyer;
 /// Throws a `std::bad_cast` with the text "bad cast".
 [[noreturn]] VELA_API void throw_bad_cast();
 
-/// The integers that a value can be made from: all but `bool` and the wide character types.
+/// Whether `integer` has become the same number as `decimal`; false where no integer is.
+VELA_API bool get_integer(double decimal, std::int64_t& integer) noexcept;
+
+/// Characters of Unicode, which are texts and no numbers.
 template <class T>
-constexpr bool is_integer_type = std::is_integral_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, wchar_t> &&
-                                 !std::is_same_v<T, char16_t> && !std::is_same_v<T, char32_t>;
+constexpr bool is_wide_character = std::is_same_v<T, wchar_t> || std::is_same_v<T, char16_t> ||
+#ifdef __cpp_char8_t
+                                   std::is_same_v<T, char8_t> ||
+#endif
+                                   std::is_same_v<T, char32_t>;
+
+/// The integers that a value can be made from: up to 64 bits, but no `bool` and no characters of Unicode.
+template <class T>
+constexpr bool is_integer_type = std::is_integral_v<T> && sizeof(T) <= sizeof(std::int64_t) &&
+                                 !std::is_same_v<T, bool> && !is_wide_character<T>;
 
 }
 
@@ -42,7 +53,8 @@ constexpr bool is_integer_type = std::is_integral_v<T> && !std::is_same_v<T, boo
 ///
 /// Every failed access throws `std::bad_cast` with the text "bad cast" and leaves the value as it was.
 ///
-/// References to elements of lists and to entries of maps stay valid while others are added.
+/// References to elements of lists and to entries of maps stay valid while others are added. A value must not be moved
+/// into a part of itself; copied it may be.
 struct VELA_API Value
 {
     /// The order is fixed: it is the number of the kind.
@@ -164,6 +176,7 @@ struct VELA_API Value
 
     /// The element `index`. Accesses the value as list; an index at or past the end makes the list `index` + 1
     /// elements long, the new ones null. A list has to be walked, from its nearer end.
+    /// @throws std::length_error "Unsupported list index": no list can be that long; the value is as it was
     Value& at(std::size_t index);
 
     /// The size of a list, 0 for null, 1 for anything else.

@@ -22,12 +22,13 @@ VELA_ABI_NAMESPACE_BEGIN
 /// - with attributes is an object of them, and its content stands under the key "";
 /// - with child elements is an object with these under the key "".
 ///
-/// A name that comes again on one level turns the key's value into a list, in the order of the document.
+/// A name that comes again on one level turns the key's value into a list, in the order of the document; but a null
+/// value is taken again, and forgotten.
 ///
 /// Attribute values and texts are converted alike: "true" and "false" to booleans; what begins with "-" or a
 /// digit and goes on in digits, ".", "e", "E", "+", "-" to an integer or a decimal if it can be read to its end;
-/// the rest to strings. An integer out of range is saturated, and a lone "-" is 0. Leading white space of
-/// element text is skipped, all other stays. Empty text of an element stores nothing.
+/// the rest to strings. A number out of range is saturated, and one that is cut off, as "1e" or a lone "-", is 0.
+/// Leading white space of element text is skipped, all other stays. Empty text of an element stores nothing.
 ///
 /// Wanted, though it looks wrong: "&" begins a reference only in text already known to be plain, so "&lt;x" stays as
 /// it is and "x&lt;" is "x<". And "/" directly behind the name of an element closes it without ending it: a
@@ -65,7 +66,8 @@ public:
     /// The attributes of the processing instruction.
     const Value::Object& object() const;
 
-    /// Empties the reader's own map; the target and the state are left alone.
+    /// Empties the reader's own map; the target and the state are left alone. So within a declaration the attribute
+    /// that is being read stays, null until its value has come.
     void clear();
 
 private:

@@ -16,13 +16,18 @@ namespace Json {
 VELA_ABI_NAMESPACE_BEGIN
 namespace detail {
 
-/// What stands in for a `K` in lookups: anything else that `std::less<>` compares with it both ways. Only keys of
-/// class type have such; a number is converted to the key, as in `std::map`.
+/// What stands in for a `K` in lookups: for strings what is a view of one, which has the same order. Anything else is
+/// converted to the key, as in `std::map`: it might be ordered in another way than the keys are.
 template <class K, class Q>
-constexpr bool is_map_key_like =
-    std::is_class_v<K> && !std::is_same_v<std::decay_t<Q>, K> &&
-    std::is_invocable_r_v<bool, std::less<>, const K&, const std::remove_reference_t<Q>&> &&
-    std::is_invocable_r_v<bool, std::less<>, const std::remove_reference_t<Q>&, const K&>;
+constexpr bool is_map_key_like = std::is_same_v<K, std::string> && !std::is_same_v<std::decay_t<Q>, K> &&
+                                 !std::is_same_v<std::decay_t<Q>, std::nullptr_t> &&
+                                 std::is_convertible_v<const std::remove_reference_t<Q>&, std::string_view>;
+
+/// What to search for, measured only once.
+inline std::string_view as_view(std::string_view text)
+{
+    return text;
+}
 
 template <class K, class V>
 struct MapTree
@@ -42,35 +47,23 @@ struct MapTree
     MapTree& operator=(const MapTree&) = delete;
     ~MapTree() { clear(); }
 
-    template <class A, class B>
-    static bool is_less(const A& a, const B& b)
+    static bool is_less(const K& a, const K& b) { return std::less<K>()(a, b); }
+    template <class Key = K, std::enable_if_t<std::is_same_v<Key, std::string>, int> = 0>
+    static bool is_less(std::string_view a, std::string_view b)
     {
-        if constexpr (std::is_same_v<A, K> && std::is_same_v<B, K>)
-            return std::less<K>()(a, b);
-        else
-            return std::less<>()(a, b);
+        return a < b;
     }
 
     /// Below 0, 0 and above 0 where `a` comes before, is and comes after `b`; for texts in one comparison.
-    template <class A, class B>
-    static int compare(const A& a, const B& b)
+    template <class Q>
+    static int compare(const Q& a, const K& b)
     {
-        if constexpr (std::is_convertible_v<const A&, std::string_view> && std::is_same_v<B, std::string>)
+        if constexpr (std::is_same_v<K, std::string>)
             return std::string_view(a).compare(b);
         else if (is_less(a, b))
             return -1;
         else
             return is_less(b, a) ? 1 : 0;
-    }
-
-    /// What to search for: texts as views, so that they are measured only once.
-    template <class Q>
-    static decltype(auto) searched(const Q& key)
-    {
-        if constexpr (std::is_same_v<K, std::string> && std::is_convertible_v<const Q&, std::string_view>)
-            return std::string_view(key);
-        else
-            return static_cast<const Q&>(key);
     }
 
     static Entry& entry_at(MapNode* node) noexcept { return *entry_of<K, V>(node); }

@@ -157,14 +157,18 @@ public:
     ///
     /// `precision` is the count of significant digits; numbers outside 0.01 to 1000 get an exponent. The unit is the
     /// first of the table with this dimension, or is composed of base units, as in "m*kg/s^2", and then without
-    /// prefix. 0 prints as "0.000" and 1 as "1", whatever the precision.
+    /// prefix. With `with_blank`, numbers from 0.1 to 1 take none either: "0.500 m", but "500mm". 0 prints as "0.000"
+    /// and 1 as "1", whatever the precision.
     ///
-    /// A number that is not finite has the exponent 0. The two least numbers above 0, whose power of ten is none of
-    /// `double`, print as infinite.
+    /// A number that is not finite prints as "inf" or "nan" with the exponent 0, as in "infe0 m". A finite one never
+    /// does, also where `double` cannot hold how many of the unit it is: 1e300 square metres are "1.00e328 barn".
     ///
     /// Not every text reads back as the same. A composed power takes the number with it, as in "3m^5", unless a "*" is
-    /// put between. Not read at all: "a", the prefix of atto units; "E" directly behind a number and before a name; "1/"
-    /// behind a number and a blank; a power whose denominator is negative, as in "m^(1/-2)".
+    /// put between. A prefix of a number without dimension that is the name of a unit reads as that unit: "5.000m",
+    /// which is 0.005, as 5 metres, "5.000G" as gauss and "5.000T" as tesla. What is too many for `double` reads as
+    /// infinite. Not read at all: "a", the prefix of atto units; "E" directly behind a number and before a name; "1/"
+    /// behind a number and a blank; a power whose denominator is negative, as in "m^(1/-2)"; a number that is not
+    /// finite.
     ///
     /// Any precision is taken. The text is as long as that of `printf`: where digits are needed behind the point, those
     /// that `double` does not have are zeros, and a thousand million of them are a gigabyte. With a precision below 1

@@ -267,6 +267,25 @@ TEST(ListSource, EqualityFillsBothSides)
     EXPECT_EQ(right.filled_count(), 3u);
 }
 
+TEST(ListSource, EqualityFillsNothingWhereTheCountsDiffer)
+{
+    const auto one = counting_source(1);
+    const auto million = counting_source(1000000);
+    const Value left = list_from(one);
+    const Value right = list_from(million);
+    EXPECT_FALSE(left == right);
+    EXPECT_FALSE(right == left);
+    EXPECT_FALSE(right == Value(Value::List{Value(0)}));
+    Value left_tree;
+    left_tree.at("list") = left;
+    Value right_tree;
+    right_tree.at("list") = right;
+    EXPECT_TRUE(left_tree != right_tree);
+    EXPECT_EQ(one->fills, 0u);
+    EXPECT_EQ(million->fills, 0u);
+    EXPECT_EQ(right.filled_count(), 0u);
+}
+
 TEST(ListSource, CopyWithAChangedElementDiffers)
 {
     const Value original = list_from(counting_source(3));

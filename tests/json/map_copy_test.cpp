@@ -182,6 +182,48 @@ TEST(MapCopy, ThrowingCopyLeaksNothing)
     EXPECT_EQ(copy.size(), 13u);
 }
 
+using Texts = Map<std::string, std::string>;
+
+/// Changes a copy of 13 entries, each with memory of another size, and lets go of it in both ways.
+template <class Change>
+void expect_nothing_left_of_a_copy(Change change)
+{
+    Texts source;
+    for (int number = 0; number < 13; ++number)
+        source.try_emplace(key_of(number), std::string(static_cast<std::size_t>(100 + 50 * number), 'v'));
+    const AllocationWatch watch;
+    for (const bool clears : {true, false})
+    {
+        Texts copy = source;
+        change(copy);
+        if (clears)
+        {
+            copy.clear();
+            EXPECT_EQ(watch.extra_bytes(), 0u);
+        }
+    }
+    EXPECT_EQ(watch.extra_bytes(), 0u);
+}
+
+TEST(MapCopy, OfWhichEntriesWereErasedLeavesNothing)
+{
+    expect_nothing_left_of_a_copy([](Texts& copy) { copy.erase(copy.begin()); });
+    expect_nothing_left_of_a_copy([](Texts& copy) { copy.erase(std::prev(copy.end())); });
+    expect_nothing_left_of_a_copy([](Texts& copy) { copy.erase(key_of(6)); });
+}
+
+TEST(MapCopy, ToWhichEntriesWereAddedLeavesNothing)
+{
+    expect_nothing_left_of_a_copy([](Texts& copy) { copy.try_emplace("9" + std::string(40, 'k'), "v"); });
+    expect_nothing_left_of_a_copy([](Texts& copy) { copy.try_emplace("0" + std::string(40, 'k'), "v"); });
+    expect_nothing_left_of_a_copy(
+        [](Texts& copy)
+        {
+            copy.erase(key_of(12));
+            copy.try_emplace("9", "v");
+        });
+}
+
 TEST(MapCopy, ThrowingInsertionLeavesTheMap)
 {
     FragileMap map;

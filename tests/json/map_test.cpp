@@ -5,6 +5,8 @@
 #include <Json/Map.h>
 #include <Json/Value.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -149,6 +151,10 @@ TEST(Map, BoundsEncloseAKey)
         EXPECT_EQ(at(constant.upper_bound(std::string_view(key))), upper);
         EXPECT_EQ(at(map.equal_range(text).first), lower);
         EXPECT_EQ(at(constant.equal_range(text).second), upper);
+        EXPECT_EQ(at(map.equal_range(std::string_view(key)).first), lower);
+        EXPECT_EQ(at(map.equal_range(key).second), upper);
+        EXPECT_EQ(at(constant.equal_range(key).first), lower);
+        EXPECT_EQ(at(constant.equal_range(std::string_view(key)).second), upper);
         EXPECT_EQ(map.count(text), model.count(text));
         EXPECT_EQ(map.contains(key), model.count(text) == 1);
     }
@@ -167,6 +173,7 @@ TEST(Map, LooksTextsUpWithoutMakingStrings)
     EXPECT_EQ(map.count(view), 1u);
     EXPECT_TRUE(map.contains(text));
     EXPECT_EQ(map.lower_bound(view), map.begin());
+    EXPECT_EQ(map.equal_range(view).second, map.end());
     EXPECT_EQ(map.at(view), 1);
     EXPECT_EQ(watch.count_allocations(), 0u);
 }
@@ -191,6 +198,102 @@ TEST(Map, NumbersAreConvertedToTheKeyAsEver)
     const Map<int, int> map{{-1, 5}, {2, 6}};
     EXPECT_EQ(map.count(-1L), 1u);
     EXPECT_EQ(map.find(short{2})->second, 6);
+}
+
+/// Paths have an order of their own, in which "/" comes before everything else and "a//b" is "a/b".
+TEST(Map, PathsAreConvertedToTheKeyAsEver)
+{
+    const std::vector<std::string> keys{"a-b", "a/b", "a/c", "a", "a.b", "ab", "a//b"};
+    Numbers map;
+    std::map<std::string, int> model;
+    for (const std::string& key : keys)
+    {
+        ++map[std::filesystem::path(key)];
+        ++model[std::filesystem::path(key)];
+    }
+    EXPECT_TRUE(std::equal(map.begin(), map.end(), model.begin(), model.end()));
+    const Numbers& constant = map;
+    for (const std::string& key : keys)
+    {
+        const std::filesystem::path path(key);
+        EXPECT_EQ(map.find(path), map.find(key)) << key;
+        EXPECT_EQ(constant.lower_bound(path), constant.find(key)) << key;
+        EXPECT_EQ(constant.upper_bound(path), std::next(constant.find(key))) << key;
+        EXPECT_EQ(constant.equal_range(path).first, constant.find(key)) << key;
+        EXPECT_TRUE(constant.contains(path)) << key;
+        EXPECT_EQ(constant.count(path), 1u) << key;
+        EXPECT_EQ(constant.at(path), 1) << key;
+        EXPECT_FALSE(map.try_emplace(path, 5).second) << key;
+        EXPECT_FALSE(map.insert_or_assign(path, 6).second) << key;
+    }
+    EXPECT_EQ(map.size(), keys.size());
+    check_tree(map);
+}
+
+/// A key that numbers are converted to, but are ordered backwards against.
+struct Level
+{
+    Level(int level_number) : number(level_number) {}
+
+    int number;
+
+    friend bool operator<(const Level& left, const Level& right) { return left.number < right.number; }
+    friend bool operator<(const Level& left, int right) { return left.number > right; }
+    friend bool operator<(int left, const Level& right) { return left > right.number; }
+};
+
+TEST(Map, KeysAreOrderedByTheirOwnOrderAlone)
+{
+    Map<Level, int> map;
+    for (int number = 0; number < 10; ++number)
+        map[number] = number;
+    int expected = 0;
+    for (const auto& [level, value] : map)
+        EXPECT_EQ(level.number, expected++);
+    for (int number = 0; number < 10; ++number)
+    {
+        EXPECT_EQ(map.at(number), number);
+        EXPECT_EQ(map.lower_bound(number)->second, number);
+        EXPECT_EQ(map.count(number), 1u);
+    }
+    EXPECT_EQ(map.find(10), map.end());
+    check_tree(map);
+}
+
+/// A text with an order of its own, which is looked up as the text that it is.
+struct BackwardText
+{
+    std::string_view text;
+
+    operator std::string_view() const { return text; }
+    friend bool operator<(const BackwardText& left, const std::string& right) { return left.text > right; }
+    friend bool operator<(const std::string& left, const BackwardText& right) { return left > right.text; }
+};
+
+TEST(Map, WhatIsAViewIsLookedUpInTheOrderOfBytes)
+{
+    const Numbers map{{"a", 1}, {"b", 2}, {"c", 3}, {"d", 4}};
+    for (const char* const key : {"a", "b", "c", "d"})
+    {
+        EXPECT_EQ(map.find(BackwardText{key}), map.find(key));
+        EXPECT_EQ(map.lower_bound(BackwardText{key}), map.find(key));
+        EXPECT_EQ(map.upper_bound(BackwardText{key}), std::next(map.find(key)));
+    }
+}
+
+TEST(Map, EraseIfErasesWhatThePredicatePicks)
+{
+    Numbers map{{"a", 1}, {"b", 2}, {"c", 3}, {"d", 4}, {"e", 6}};
+    const Numbers::value_type* const kept = &*map.find("c");
+    const auto is_even = [](const Numbers::value_type& entry) { return entry.second % 2 == 0; };
+    EXPECT_EQ(erase_if(map, is_even), 3u);
+    EXPECT_THAT(map, ElementsAre(Pair("a", 1), Pair("c", 3)));
+    EXPECT_EQ(&*map.find("c"), kept);
+    EXPECT_EQ(erase_if(map, is_even), 0u);
+    check_tree(map);
+    EXPECT_EQ(erase_if(map, [](const auto&) { return true; }), 2u);
+    EXPECT_TRUE(map.empty());
+    check_tree(map);
 }
 
 TEST(Map, InsertKeepsWhatIsThere)

@@ -295,6 +295,42 @@ TEST(Reader, ClearLeavesTheParseStateAlone)
     EXPECT_EQ(json_test::object_text(reader.object()), "{}");
 }
 
+/// What `rest` is read as behind `first` with a clear between them.
+std::string read_with_clear(const std::string& first, const std::string& rest)
+{
+    Json::Reader reader;
+    const char* p = first.data();
+    EXPECT_FALSE(reader.read(p, first.data() + first.size())) << first;
+    reader.clear();
+    p = rest.data();
+    EXPECT_TRUE(reader.read(p, rest.data() + rest.size())) << first << rest;
+    return json_test::object_text(reader.object());
+}
+
+TEST(Reader, ClearWithinADocumentKeepsWhatIsBeingRead)
+{
+    EXPECT_EQ(read_with_clear(R"({"a":1,"b":[1,{"c":2,"d":"x)", R"(y"},3],"e":4})"),
+              "{b = [i:1, {c = i:2, d = 'xy'}, i:3], e = i:4}");
+    EXPECT_EQ(read_with_clear(R"({"a":1,"b":"x)", R"(y","c":2})"), "{b = 'xy', c = i:2}");
+    EXPECT_EQ(read_with_clear(R"({"a":1,"b":1)", R"(2,"c":3})"), "{b = i:12, c = i:3}");
+    EXPECT_EQ(read_with_clear(R"({"a":1,"b")", R"(:2})"), "{b = i:2}");
+    EXPECT_EQ(read_with_clear(R"({"a":1,"b)", R"(c":2})"), "{bc = i:2}");
+    EXPECT_EQ(read_with_clear(R"({"a":{"b":{"c":1,)", R"("d":{}}},"e":2})"), "{a = {b = {c = i:1, d = {}}}, e = i:2}");
+    EXPECT_EQ(read_with_clear(R"({"a":{"b":1})", R"(,"c":2})"), "{c = i:2}");
+    EXPECT_EQ(read_with_clear(R"({"a":tr)", R"(ue,"c":2})"), "{c = i:2}");
+    EXPECT_EQ(read_with_clear(R"({"a":1,)", "}"), "{}");
+}
+
+/// Every cut: nothing that the reader refers to is gone.
+TEST(Reader, ClearAnywhereWithinADocumentLetsItGoOn)
+{
+    const std::string document =
+        R"({"a" : [1, "t\"u", {"b": null, "c": [[], {}]}], "d": -2.5, "e": {"f": true}, "g": "h"})";
+    for (std::size_t cut = 0; cut < document.size(); ++cut)
+        EXPECT_NE(read_with_clear(document.substr(0, cut), document.substr(cut)), "") << cut;
+    EXPECT_EQ(read_with_clear("", document), json_test::json_read(document));
+}
+
 TEST(Reader, EmptyBufferChangesNothing)
 {
     Json::Reader reader;

@@ -9,9 +9,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace field_test {
@@ -600,6 +603,55 @@ TEST_F(FieldReading, TextsCompareWithTexts)
     EXPECT_TRUE(field != std::string("abcd"));
 }
 
+/// A text that may not be empty, as a date.
+struct FilledText
+{
+    using type = std::string;
+    static bool check(const Value& v) { return checked(v, v.if_string() != nullptr && !v.if_string()->empty()); }
+};
+
+/// A text of the enumeration.
+struct KnownColour
+{
+    using type = Colour;
+    static bool check(const Value& v)
+    {
+        return checked(v, v.if_string() != nullptr && (*v.if_string() == "Red" || *v.if_string() == "Green"));
+    }
+};
+
+TEST_F(FieldReading, OfANullTextThatMayNotBeEmptyLeavesASlotThatNoFieldIsBoundToAgain)
+{
+    Value slot;
+    const Field<FilledText> field(slot);
+    EXPECT_EQ(field.get(), "");
+    EXPECT_EQ(value_text(slot), "''");
+    EXPECT_BAD_CAST(const Field<FilledText> again(slot));
+    Value copy(slot);
+    EXPECT_BAD_CAST(const Field<FilledText> again(copy));
+}
+
+TEST_F(FieldReading, OfANullEnumerationHasAllBitsSetAndLeavesASlotThatNoFieldIsBoundToAgain)
+{
+    Value slot;
+    const Field<KnownColour> field(slot);
+    EXPECT_EQ(static_cast<std::int32_t>(field.get()), -1);
+    EXPECT_EQ(value_text(slot), "''");
+    EXPECT_BAD_CAST(const Field<KnownColour> again(slot));
+}
+
+TEST_F(FieldReading, BehindAQuestionForNullLeavesTheSlot)
+{
+    Value slot;
+    const Field<FilledText> text(slot);
+    const Field<KnownColour> colour(slot);
+    EXPECT_TRUE(text.is_null());
+    EXPECT_TRUE(colour.is_null());
+    EXPECT_NO_THROW(const Field<FilledText> again(slot));
+    EXPECT_NO_THROW(const Field<KnownColour> again(slot));
+    EXPECT_TRUE(slot.is_null());
+}
+
 TEST_F(FieldReading, SignalsNothing)
 {
     Value slot(5);
@@ -648,6 +700,129 @@ TEST_F(FieldHandler, SeesAnIntegerInADecimalFieldAsADecimal)
     field = Value(3);
     EXPECT_EQ(recorder->values, std::vector<double>{3.0});
     EXPECT_EQ(value_text(slot), "i:3");
+}
+
+TEST_F(FieldHandler, SeesADecimalInAnIntegerFieldAsTheIntegerThatItIsReadAs)
+{
+    Value slot;
+    Field<LooseInteger> field(slot);
+    const auto recorder = record(field);
+    field = Value(5.0);
+    EXPECT_EQ(recorder->values, std::vector<std::int64_t>{5});
+    EXPECT_EQ(value_text(slot), "d:0x1.4p+2") << "a signal converts nothing";
+    field = Value(-9223372036854775808.0);
+    field = Value(2.5);
+    field = Value(9223372036854775808.0);
+    field = Value(std::nan(""));
+    EXPECT_EQ(recorder->values, (std::vector<std::int64_t>{5, INT64_MIN, 0, 0, 0}));
+}
+
+/// Notes where the value lies that it is called with, and may do something then.
+template <class T>
+struct AddressRecorder : ChangeHandler<T>
+{
+    void changed(const T& value) override
+    {
+        address = &value;
+        was_empty = value.empty();
+        if (during)
+            std::exchange(during, nullptr)();
+    }
+
+    const T* address = nullptr;
+    bool was_empty = false;
+    std::function<void()> during;
+};
+
+TEST_F(FieldHandler, IsCalledWithTheTextOrTheMapInTheSlotItself)
+{
+    Value tree;
+    Field<ShortText> text(tree.at("text"));
+    Field<Structure> structure(tree.at("structure"));
+    const auto texts = boost::make_shared<AddressRecorder<std::string>>();
+    const auto structures = boost::make_shared<AddressRecorder<Value::Object>>();
+    text.set_change_handler(texts);
+    structure.set_change_handler(structures);
+    text = "abc";
+    EXPECT_EQ(texts->address, tree.at("text").if_string());
+    EXPECT_FALSE(texts->was_empty);
+    structure = Value(Value::Object{{"a", Value(1)}});
+    EXPECT_EQ(structures->address, tree.at("structure").if_object());
+    EXPECT_FALSE(structures->was_empty);
+    text = Value();
+    structure = Value();
+    EXPECT_NE(texts->address, nullptr);
+    EXPECT_TRUE(texts->was_empty);
+    EXPECT_NE(structures->address, nullptr);
+    EXPECT_TRUE(structures->was_empty);
+    EXPECT_TRUE(text.is_null() && structure.is_null());
+}
+
+TEST_F(FieldHandler, MayAssignToTheFieldThatItIsCalledFor)
+{
+    Value tree;
+    Field<ShortText> text(tree.at("text"));
+    Field<Structure> structure(tree.at("structure"));
+    const auto texts = boost::make_shared<AddressRecorder<std::string>>();
+    const auto structures = boost::make_shared<AddressRecorder<Value::Object>>();
+    text.set_change_handler(texts);
+    structure.set_change_handler(structures);
+    for (const Value& again : {Value("other"), Value()})
+    {
+        text = "first";
+        texts->during = [&] { text = again; };
+        text = "abc";
+        EXPECT_EQ(value_text(tree.at("text")), value_text(again));
+    }
+    for (const Value& again : {Value(Value::Object{{"b", Value("c")}, {"d", Value()}}), Value()})
+    {
+        structure = Value();
+        structures->during = [&] { structure = again; };
+        structure = Value(Value::Object{{"a", Value(std::string(100, 'x'))}});
+        EXPECT_EQ(value_text(tree.at("structure")), value_text(again));
+    }
+    texts->during = [&] { text.set_change_handler(nullptr); };
+    text = "last";
+    EXPECT_TRUE(texts.unique());
+}
+
+/// Has the field that owns it let it go while it is called.
+struct SelfRemover : ChangeHandler<std::string>
+{
+    explicit SelfRemover(Field<ShortText>& owner) : field(owner) {}
+    ~SelfRemover() override { ++destroyed; }
+    void changed(const std::string& value) override
+    {
+        field.set_change_handler(nullptr);
+        destroyed_while_called = destroyed;
+        seen = value;
+    }
+
+    Field<ShortText>& field;
+    static inline int destroyed = 0;
+    static inline int destroyed_while_called = -1;
+    static inline std::string seen;
+};
+
+TEST_F(FieldHandler, StaysUntilItReturnsWhenItRemovesItself)
+{
+    Value slot;
+    Field<ShortText> field(slot);
+    field.set_change_handler(boost::make_shared<SelfRemover>(field));
+    field = "abc";
+    EXPECT_EQ(SelfRemover::seen, "abc");
+    EXPECT_EQ(SelfRemover::destroyed_while_called, 0);
+    EXPECT_EQ(SelfRemover::destroyed, 1);
+}
+
+TEST_F(FieldHandler, ThatThrowsLeavesTheNewValue)
+{
+    Value slot(1);
+    Field<Positive> field(slot);
+    const auto recorder = record(field);
+    recorder->during = [] { throw std::runtime_error("not now"); };
+    EXPECT_THROW(field = Value(2), std::runtime_error);
+    EXPECT_EQ(value_text(slot), "i:2");
 }
 
 TEST_F(FieldHandler, IsToldOfNullAsTheEmptyValueOfItsType)

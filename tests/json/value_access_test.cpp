@@ -1,5 +1,6 @@
 // Tests and pointer access, which change nothing, and lookups by key and index, which make what they look for.
 #include "support/expect_bad_cast.h"
+#include "support/expect_vela_error.h"
 #include "json/value_samples.h"
 #include "json/value_text.h"
 
@@ -7,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -201,6 +204,19 @@ TEST(ValueLookup, ByIndexOnAnyOtherKindMakesAListOfTheOldValue)
         EXPECT_EQ(value_text(value), "[" + before + "]");
         EXPECT_TRUE(value.at(1).is_null());
         EXPECT_EQ(value_text(value), "[" + before + ", null]");
+    }
+}
+
+TEST(ValueLookup, ByAnIndexThatNoListHasIsALengthErrorAndChangesNothing)
+{
+    std::vector<Value> values = one_of_each_kind();
+    values.emplace_back(Value::List{Value(1), Value("x")});
+    for (Value& value : values)
+    {
+        const std::string before = value_text(value);
+        for (const std::size_t index : {SIZE_MAX, SIZE_MAX - 1, SIZE_MAX / 2, Value::List().max_size()})
+            EXPECT_THROW_TEXT(value.at(index), std::length_error, "Unsupported list index");
+        EXPECT_EQ(value_text(value), before);
     }
 }
 

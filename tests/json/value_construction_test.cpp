@@ -37,6 +37,9 @@ static_assert(!std::is_constructible_v<Value, void*>);
 static_assert(!std::is_constructible_v<Value, wchar_t>);
 static_assert(!std::is_constructible_v<Value, char16_t>);
 static_assert(!std::is_constructible_v<Value, char32_t>);
+#ifdef __cpp_char8_t
+static_assert(!std::is_constructible_v<Value, char8_t>);
+#endif
 static_assert(!std::is_constructible_v<Value, const wchar_t*>);
 static_assert(std::is_nothrow_default_constructible_v<Value>);
 static_assert(std::is_nothrow_move_constructible_v<Value>);

@@ -251,7 +251,12 @@ TEST(ValueOfAKindOutsideTheSeven, IsABadCastForEveryAccess)
         EXPECT_BAD_CAST(value.as_decimal());
         EXPECT_BAD_CAST(value.as_string());
         EXPECT_BAD_CAST(value.as_object());
+        EXPECT_BAD_CAST(value.as_list());
+        EXPECT_BAD_CAST(value.fill_list(0));
+        EXPECT_BAD_CAST(value.set_list_source(nullptr));
         EXPECT_BAD_CAST(value.at("a"));
+        EXPECT_BAD_CAST(value.at(0));
+        EXPECT_BAD_CAST(value.at(1));
         EXPECT_EQ(static_cast<std::int32_t>(value.kind()), tag);
     }
 }

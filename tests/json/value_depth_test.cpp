@@ -166,4 +166,27 @@ TEST(ValueDepthOfManyBranches, IsCopiedComparedAndDestroyed)
     EXPECT_FALSE(copy == comb);
 }
 
+// Siblings with containers in them stand before the deep child, so they are looked at first.
+TEST(ValueDepthBehindSiblings, IsCopiedComparedAndDestroyed)
+{
+    Value tree("leaf");
+    for (std::size_t level = 0; level < 100000; ++level)
+    {
+        const Value sibling(Value::List{Value(Value::List{Value(1)})});
+        if (level % 3 == 0)
+            tree = Value(Value::Object{{"a", sibling}, {"b", std::move(tree)}});
+        else
+        {
+            Value::List list{sibling};
+            list.push_back(std::move(tree));
+            tree = Value(std::move(list));
+        }
+    }
+    Value copy(tree);
+    EXPECT_TRUE(copy == tree);
+    EXPECT_EQ(depth_of(copy), 100000u);
+    copy = Value();
+    EXPECT_EQ(depth_of(tree), 100000u);
+}
+
 }

@@ -183,6 +183,21 @@ TEST(ValueWithoutMemory, AssignmentThatFailsLeavesAUsableTarget)
     EXPECT_EQ(blocks_taken, blocks_before);
 }
 
+TEST(ValueWithoutMemory, AssignmentThatFailsLeavesTheTargetAsItWas)
+{
+    const Value original = sample_tree();
+    const Value text(std::string(200, 'z'));
+    const Value befores[] = {Value(1), Value("short"), Value(Value::List{Value("a"), Value(2)}),
+                             Value(Value::Object{{"a", Value("b")}})};
+    for (const Value* source : {&original, &text})
+        for (const Value& before : befores)
+        {
+            Value target = before;
+            EXPECT_GT(failures_of([&] { target = *source; }, [&] { EXPECT_TRUE(target == before); }), 0u);
+            EXPECT_TRUE(target == *source);
+        }
+}
+
 TEST(ValueWithoutMemory, AssignmentOfAChildThatFailsLeavesAUsableTree)
 {
     const std::size_t blocks_before = blocks_taken;

@@ -315,6 +315,47 @@ TEST(XmlReader, ClearEmptiesItsOwnMapAlone)
     EXPECT_EQ(value_text(target), "{a = { = {b = i:1}}}");
 }
 
+/// The attributes of `document`, of which the map has been cleared before the character `cut`.
+std::string attributes_with_clear(const std::string& document, std::size_t cut)
+{
+    Value target;
+    Json::XmlReader reader(target);
+    const char* p = document.data();
+    EXPECT_FALSE(reader.read(p, document.data() + cut));
+    reader.clear();
+    EXPECT_LE(reader.object().size(), 1u);
+    EXPECT_TRUE(reader.read(p, document.data() + document.size())) << cut;
+    EXPECT_EQ(value_text(target), "{a = i:1}") << cut;
+    return json_test::object_text(reader.object());
+}
+
+TEST(XmlReader, ClearWithinADeclarationLetsItGoOn)
+{
+    const std::string document = R"(<?xml version="1.0" encoding = 'x'?><a>1</a>)";
+    const std::string both = "{encoding = 'x', version = d:0x1p+0}";
+    const std::size_t version_end = document.find("\" ");
+    const std::size_t encoding_end = document.find("'?");
+    const std::size_t name_end = document.find(" =");
+    for (std::size_t cut = 0; cut < document.size(); ++cut)
+    {
+        const std::string expected = cut <= version_end ? both : cut <= encoding_end ? "{encoding = 'x'}" : "{}";
+        EXPECT_EQ(attributes_with_clear(document, cut), expected) << cut;
+    }
+    EXPECT_LT(version_end, name_end);
+}
+
+TEST(XmlReader, AttributeThatIsBeingReadStaysNullInAClearedMap)
+{
+    Value target;
+    Json::XmlReader reader(target);
+    const std::string text = R"(<?xml version="1.0" encoding="ut)";
+    const char* p = text.data();
+    EXPECT_FALSE(reader.read(p, text.data() + text.size()));
+    EXPECT_EQ(json_test::object_text(reader.object()), "{encoding = null, version = d:0x1p+0}");
+    reader.clear();
+    EXPECT_EQ(json_test::object_text(reader.object()), "{encoding = null}");
+}
+
 TEST(XmlReader, EmptyBufferChangesNothing)
 {
     Value target;

@@ -95,6 +95,15 @@ TEST(ReadNumberTest, NumbersBeyondTheRangeAreInfiniteOrZero)
     expect_read_as_by_the_c_library("1" + std::string(400, '0') + "e-800");
 }
 
+TEST(ReadNumberTest, ExponentsAtTheEndsOfTheIntegersReadAsByTheCLibrary)
+{
+    for (const char* const exponent : {"9223372036854775806", "9223372036854775807", "9223372036854775808",
+                                       "1000000000000000000", "999999999999999999", "2147483648"})
+        for (const char* const digits : {"12", "1", "0.01", "-0.01", "-12", "+.5", "1.", "0", "-0"})
+            for (const char* const mark : {"e", "E+", "e-"})
+                expect_read_as_by_the_c_library(std::string(digits) + mark + exponent);
+}
+
 TEST(ReadNumberTest, RandomTextsReadAsByTheCLibrary)
 {
     std::mt19937 random(1);

@@ -78,7 +78,7 @@ TEST(ValueFormatUnit, AnAreaIsCountedInBarns)
     EXPECT_EQ(value("5 m*m").format(3, 1), "5.00e28 barn");
     EXPECT_EQ(quantity(2.5e-28, {{metre, 2}}).format(3, 3), "2.50 barn");
     EXPECT_EQ(quantity(2.5e-24, {{metre, 2}}).format(3, 3), "2.50e4 barn");
-    EXPECT_EQ(quantity(1e300, {{metre, 2}}).format(3, 3), "infe0 barn");
+    EXPECT_EQ(quantity(std::numeric_limits<double>::infinity(), {{metre, 2}}).format(3, 3), "infe0 barn");
 }
 
 TEST(ValueFormatUnit, AMassIsCountedInGrams)
@@ -114,6 +114,24 @@ TEST(ValueFormatUnit, ANegativeMassIsCountedInGramsHoweverGreat)
 {
     EXPECT_EQ(kilograms(-2000).format(3, 3), "-2.00e6 g");
     EXPECT_EQ(kilograms(-1.5).format(3, 3), "-1.50 kg");
+}
+
+TEST(ValueFormatUnit, AFiniteNumberIsFiniteInEveryUnit)
+{
+    EXPECT_EQ(kilograms(-1e306).format(4, 3), "-1.000e309 g");
+    EXPECT_EQ(kilograms(-2.5e305).format(2, 0), "-2.5e308g");
+    EXPECT_EQ(kilograms(-1e305).format(2, 0), "-1.0e308g");
+    EXPECT_EQ(kilograms(std::numeric_limits<double>::lowest()).format(4, 3), "-1.798e311 g");
+    EXPECT_EQ(kilograms(std::numeric_limits<double>::max()).format(4, 3), "1.798e305 t");
+    EXPECT_EQ(quantity(1e300, {{metre, 2}}).format(3, 3), "1.00e328 barn");
+    EXPECT_EQ(quantity(1.8e280, {{metre, 2}}).format(3, 1), "1.80e308 barn");
+    EXPECT_EQ(quantity(1.7e280, {{metre, 2}}).format(3, 1), "1.70e308 barn");
+    EXPECT_EQ(quantity(-std::numeric_limits<double>::max(), {{metre, 2}}).format(4, 2), "-1.798e336barn");
+    std::string number;
+    std::string unit;
+    quantity(1e300, {{metre, 2}}).format(number, unit, 1, 3);
+    EXPECT_EQ(number, "1e328");
+    EXPECT_EQ(unit, "barn");
 }
 
 TEST(ValueFormatUnit, AMassThatIsNoNumberIsCountedInGrams)

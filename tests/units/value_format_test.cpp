@@ -350,9 +350,7 @@ TEST(ValueFormatComposed, UnreducedExponentsMatchNoRow)
 
 TEST(ValueFormatComposed, TheLowestExponentPrints)
 {
-    const std::string printed = quantity(2, {{metre, std::numeric_limits<int>::min()}}).format(2, 1);
-    // It is its own negative, so its absolute value may have a sign.
-    EXPECT_TRUE(printed == "2.0 1/m^-2147483648" || printed == "2.0 1/m^2147483648") << printed;
+    EXPECT_EQ(quantity(2, {{metre, std::numeric_limits<int>::min()}}).format(2, 1), "2.0 1/m^2147483648");
 }
 
 TEST(ValueFormatComposed, AnInvalidValueMatchesNoRow)
