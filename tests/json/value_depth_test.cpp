@@ -172,12 +172,18 @@ TEST(ValueDepthBehindSiblings, IsCopiedComparedAndDestroyed)
     Value tree("leaf");
     for (std::size_t level = 0; level < 100000; ++level)
     {
-        const Value sibling(Value::List{Value(Value::List{Value(1)})});
+        Value sibling(Value::List{Value(Value::List{Value(1)})});
         if (level % 3 == 0)
-            tree = Value(Value::Object{{"a", sibling}, {"b", std::move(tree)}});
+        {
+            Value::Object object;
+            object["a"] = std::move(sibling);
+            object["b"] = std::move(tree);
+            tree = Value(std::move(object));
+        }
         else
         {
-            Value::List list{sibling};
+            Value::List list;
+            list.push_back(std::move(sibling));
             list.push_back(std::move(tree));
             tree = Value(std::move(list));
         }
