@@ -153,7 +153,7 @@ public:
     virtual void* value_ptr();
 
     /// The held value. Nothing is converted: `vela_prop_cast` does that.
-    /// @throws VelaError "Type mismatch: found %s%s, expected %s%s": it is not exactly of type `T`; the names are those
+    /// @throws VelaError id -1 "Type mismatch: found %s%s, expected %s%s": it is not exactly of type `T`; the names are those
     ///         of `vela_dt_get_name`, with "[]" behind those of arrays
     template <class T>
     const T& get() const;
@@ -162,7 +162,7 @@ public:
     T& get();
 
     /// The shape of an array. Otherwise null.
-    /// @throws VelaError "Type mismatch: expected 'array' type!": `demand`, and the value is no array
+    /// @throws VelaError id -1 "Type mismatch: expected 'array' type!": `demand`, and the value is no array
     VProparrayBase* get_arr(bool demand) const;
 
     /// `get<T>`; an empty value is given a default `T` first.

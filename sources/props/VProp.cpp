@@ -1,5 +1,4 @@
-#include <VelaProps/VProp.h>
-#include <VelaProps/VPropstruct.h>
+#include "sources/props/value_types.h"
 
 #include <memory>
 #include <utility>
@@ -141,6 +140,16 @@ void VProp::throw_mismatch(vela_dt expected) const
     throw VelaError("VProp::get", __FILE__, __LINE__)("Type mismatch: found %s%s, expected %s%s",
                                                       vela_dt_get_name(found), brackets(found),
                                                       vela_dt_get_name(expected), brackets(expected))(-1);
+}
+
+VProparrayBase* VProp::get_arr(bool demand) const
+{
+    VProparrayBase* base = nullptr;
+    vela_prop::with_array_type(get_id(),
+                               [&]<class T>(vela_prop::Type<T>) { base = &static_cast<holder<T>*>(content)->value; });
+    if (base == nullptr && demand)
+        throw VelaError("VProp::get_arr", __FILE__, __LINE__)("Type mismatch: expected 'array' type!")(-1);
+    return base;
 }
 
 bool VProp::lock() const noexcept

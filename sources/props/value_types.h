@@ -40,4 +40,16 @@ bool with_scalar_type(vela_dt type, Function&& function)
     return with_type_of<bool>(type, function) || with_number_type(type, function);
 }
 
+/// The same for all arrays.
+template <class Function>
+bool with_array_type(vela_dt type, Function&& function)
+{
+    if ((type & vela_dt_array) == 0)
+        return false;
+    const vela_dt element = type & ~vela_dt_array;
+    const auto call = [&]<class T>(Type<T>) { function(Type<VProparray<T>>()); };
+    return with_scalar_type(element, call) || with_type_of<VPropstring, VPropstruct>(element, call) ||
+           with_type_of<VProparray<VProp>>(type, function);
+}
+
 } // namespace vela_prop
