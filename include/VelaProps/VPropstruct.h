@@ -1,0 +1,90 @@
+/// Structs of the property tree, and the paths that walk through it.
+///
+/// A path is a text such as `scan.axes(2).label{1,3}`, of segments:
+///
+/// - a member: its name, behind a "." unless it comes first. A name begins with a letter or "_"; letters, digits, "_"
+///   and "-" follow.
+/// - `{i}` or `{i,j,...}`: the content of a cell array.
+/// - `(i)` or `(i,j,...)`: a struct of a struct array. A member has to follow.
+///
+/// Indices count from 0. A single one is the place in a row, (0, i); several name every dimension. An index without
+/// digits is 0. A "." at the end is ignored.
+///
+/// Walks that create make missing members, as empty values; the struct, cell array or struct array itself in a value that
+/// is still empty; and elements, as `VProparrayBase::get_idx` grows. A value of another type is never replaced. What a
+/// walk that fails has made, stays.
+///
+/// Walks detach (`VProp::own`) every shared container on their way, also those that only read and those through a
+/// constant value: what they give must not reach into a container that is shared.
+///
+/// Failures are `VelaError`s, id -1. "..." and the text behind it stand for what is left of the path at that level.
+///
+/// | text | cause |
+/// |---|---|
+/// | Error parsing prop path: empty path! | an empty path, where a member has to come |
+/// | Error parsing prop path: '%s' starts with an empty segment! | a path that begins with "." |
+/// | Error parsing prop path: '%s' is not a valid name! | a member with another name |
+/// | Brackets not matched in '%s'! | a segment that does not end in its bracket |
+/// | Invalid index '%s' specified in segment '%s'! | a negative index, or one that `int` cannot hold |
+/// | Path ...'%s' references cell content from a non-cell array! | `{` in something else |
+/// | Path ...'%s' references struct from a non-struct array! | `(` in something else |
+/// | Path ...'%s' ends in struct array! | nothing behind `)` |
+/// | Expected path ...'%s' to start with struct member! | a struct is given `{` or `(` |
+/// | Struct member '%s' does not exist! | a missing member, without creating |
+/// | Cannot create field: invalid start character '%c' in field name! | a member cannot be called so |
+/// | Type mismatch: found %s%s, expected %s%s | a member of something that is no struct |
+#pragma once
+
+#include <VelaBase/export.h>
+#include <VelaProps/VProp.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// Named values, in the order in which they came.
+///
+/// A vector of key and value. Keys are compared byte for byte; the first of two equal ones, which only the interface of
+/// the vector can make, hides the other. Looking for a key takes time for every member before it. Never let the vector
+/// grow by itself: see `vela_prop_reserve`.
+class VELA_API VPropstruct : public std::vector<std::pair<std::string, VProp>>
+{
+public:
+    VPropstruct();
+    VPropstruct(const VPropstruct& other);
+    VPropstruct(VPropstruct&& other) noexcept;
+    VPropstruct& operator=(const VPropstruct& other);
+    VPropstruct& operator=(VPropstruct&& other) noexcept;
+    ~VPropstruct();
+
+    /// The value at `path`, which begins with a member. With `create`, what is missing is made on the way.
+    /// @throws VelaError: see the top of this file
+    VProp& getp(const std::string& path, bool create);
+    const VProp& getp(const std::string& path) const;
+
+    /// `getp(path, true)`.
+    VProp& operator[](const std::string& path);
+    /// `getp(path)`, which creates nothing.
+    const VProp& operator[](const std::string& path) const;
+
+    /// Whether there is a member with this key, which is no path.
+    bool has_key(const std::string& key) const;
+
+    /// Removes the first member with this key; the others keep their order. False where there is none.
+    bool erase(const std::string& key);
+    using std::vector<std::pair<std::string, VProp>>::erase;
+
+    /// The first member with this key, or `end()`.
+    iterator find(const std::string& key);
+    const_iterator find(const std::string& key) const;
+};
+
+extern template class VProparray<VPropstruct>;
+extern template class VProp::holder<VPropstruct>;
+extern template class VProp::holder<VProparray<VPropstruct>>;
+
+/// Whether a member can be called so in a path: a letter or "_" first, then letters, digits, "_" and "-". ASCII alone.
+VELA_API bool vela_prop_is_valid_name(const std::string& name);
+
+/// Whether a walk along `path` that creates succeeds from an empty value, and ends in one that takes a number.
+VELA_API bool vela_prop_is_valid_path(const std::string& path);
