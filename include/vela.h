@@ -36,6 +36,9 @@
 #include <VelaFile/VFileAccess.h>
 #include <VelaFile/VZippedSegment.h>
 #include <VelaFile/handle.h>
+#include <VelaProps/VProp.h>
+#include <VelaProps/VProparray.h>
 #include <VelaProps/VPropstring.h>
+#include <VelaProps/VPropstruct.h>
 #include <si/fraction.h>
 #include <si/value.h>

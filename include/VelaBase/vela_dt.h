@@ -86,8 +86,8 @@ VELA_API std::uint64_t vela_dt_get_size(std::uint32_t id);
 #endif
 /// Run-time type of one element, for a complex id that of `std::complex` of the scalar. "int8" is plain `char`,
 /// which this library requires to be signed; the other integers are those of `<cstdint>`.
+/// `VProp` for "cell", `VPropstruct` for "struct", `VPropstring` for "char". With the array flag `VProparray` of it.
 /// The identity of `void` where there is none: for 0, "cplx_logical" and every unknown id.
-/// Until the property tree is part of the library, "cell", "struct" and array ids are unknown too.
 VELA_API const std::type_info& vela_dt_get_type(vela_dt id);
 #if defined(__clang__)
 #pragma clang diagnostic pop

@@ -153,7 +153,7 @@ public:
     virtual void* value_ptr();
 
     /// The held value. Nothing is converted: `vela_prop_cast` does that.
-    /// @throws VelaError "Type mismatch: found %s%s, expected %s%s": it is not exactly of type `T`; the names are those
+    /// @throws VelaError id -1 "Type mismatch: found %s%s, expected %s%s": it is not exactly of type `T`; the names are those
     ///         of `vela_dt_get_name`, with "[]" behind those of arrays
     template <class T>
     const T& get() const;
@@ -162,7 +162,7 @@ public:
     T& get();
 
     /// The shape of an array. Otherwise null.
-    /// @throws VelaError "Type mismatch: expected 'array' type!": `demand`, and the value is no array
+    /// @throws VelaError id -1 "Type mismatch: expected 'array' type!": `demand`, and the value is no array
     VProparrayBase* get_arr(bool demand) const;
 
     /// `get<T>`; an empty value is given a default `T` first.
@@ -182,7 +182,11 @@ public:
     bool lock() const noexcept;
 
     /// Detaches the container: afterwards nobody shares it.
-    void own();
+    void own()
+    {
+        if (is_shared())
+            detach();
+    }
 
     /// Exchanges value and attachment.
     VProp& swap(VProp& other) noexcept;
@@ -230,6 +234,9 @@ public:
     /// @}
 
 private:
+    static placeholder* clone(const placeholder& container);
+    bool is_shared() const noexcept;
+    void detach();
     void drop() noexcept;
     [[noreturn]] void throw_mismatch(vela_dt expected) const;
 
@@ -277,6 +284,11 @@ public:
 
     T value;
 };
+
+inline bool VProp::is_shared() const noexcept
+{
+    return content != nullptr && content->refcount != 1;
+}
 
 inline int VProp::get_id() const noexcept
 {

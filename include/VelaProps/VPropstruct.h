@@ -17,22 +17,19 @@
 /// Walks detach (`VProp::own`) every shared container on their way, also those that only read and those through a
 /// constant value: what they give must not reach into a container that is shared.
 ///
-/// Failures are `VelaError`s, id -1. "..." and the text behind it stand for what is left of the path at that level.
+/// Failures; "..." and the text behind it stand for what is left of the path at that level:
 ///
-/// | text | cause |
-/// |---|---|
-/// | Error parsing prop path: empty path! | an empty path, where a member has to come |
-/// | Error parsing prop path: '%s' starts with an empty segment! | a path that begins with "." |
-/// | Error parsing prop path: '%s' is not a valid name! | a member with another name |
-/// | Brackets not matched in '%s'! | a segment that does not end in its bracket |
-/// | Invalid index '%s' specified in segment '%s'! | a negative index, or one that `int` cannot hold |
-/// | Path ...'%s' references cell content from a non-cell array! | `{` in something else |
-/// | Path ...'%s' references struct from a non-struct array! | `(` in something else |
-/// | Path ...'%s' ends in struct array! | nothing behind `)` |
-/// | Expected path ...'%s' to start with struct member! | a struct is given `{` or `(` |
-/// | Struct member '%s' does not exist! | a missing member, without creating |
-/// | Cannot create field: invalid start character '%c' in field name! | a member cannot be called so |
-/// | Type mismatch: found %s%s, expected %s%s | a member of something that is no struct |
+/// - VelaError id -1 "Error parsing prop path: empty path!": where a member has to come
+/// - VelaError id -1 "Error parsing prop path: '%s' starts with an empty segment!": the path begins with "."
+/// - VelaError id -1 "Error parsing prop path: '%s' is not a valid name!": a member has another name
+/// - VelaError id -1 "Brackets not matched in '%s'!": a segment does not end in its bracket
+/// - VelaError id -1 "Invalid index '%s' specified in segment '%s'!": negative, or nothing that `int` can hold
+/// - VelaError id -1 "Path ...'%s' references cell content from a non-cell array!": `{` in something else
+/// - VelaError id -1 "Path ...'%s' references struct from a non-struct array!": `(` in something else
+/// - VelaError id -1 "Path ...'%s' ends in struct array!": nothing behind `)`
+/// - VelaError id -1 "Expected path ...'%s' to start with struct member!": a struct is given `{` or `(`
+/// - VelaError id -1 "Struct member '%s' does not exist!": a missing member, without creating
+/// - those of `VProp::get`, for a member of something that is no struct, and of `VProparrayBase::get_idx`
 #pragma once
 
 #include <VelaBase/export.h>

@@ -1,7 +1,9 @@
 #include <VelaBase/vela_dt.h>
 
 #include <VelaBase/VTypemap.h>
+#include <VelaProps/VProp.h>
 #include <VelaProps/VPropstring.h>
+#include <VelaProps/VPropstruct.h>
 
 #include <complex>
 #include <cstdint>
@@ -116,23 +118,51 @@ std::uint64_t vela_dt_get_size(std::uint32_t id)
                          });
 }
 
+namespace {
+
+/// The type of one element, or of an array of them.
+template <class Element>
+const std::type_info* identity(bool is_array)
+{
+    return is_array ? &typeid(VProparray<Element>) : &typeid(Element);
+}
+
+template <>
+const std::type_info* identity<void>(bool)
+{
+    return &typeid(void);
+}
+
+}
+
 const std::type_info& vela_dt_get_type(vela_dt id)
 {
+    const bool is_array = (id & vela_dt_array) != 0;
     const bool is_complex = (id & vela_dt_complex) != 0;
-    const vela_dt scalar_id = id & ~vela_dt_complex;
-    if (id == vela_dt_char)
-        return typeid(VPropstring);
+    const vela_dt element_id = id & ~vela_dt_array;
+    const vela_dt scalar_id = element_id & ~vela_dt_complex;
+    switch (element_id)
+    {
+    case vela_dt_cell:
+        return *identity<VProp>(is_array);
+    case vela_dt_struct:
+        return *identity<VPropstruct>(is_array);
+    case vela_dt_char:
+        return *identity<VPropstring>(is_array);
+    default:
+        break;
+    }
     if (is_complex && is_color(scalar_id))
         return typeid(void);
     return *visit_element(scalar_id,
-                          [is_complex]<class Element>(Tag<Element>)
+                          [=]<class Element>(Tag<Element>)
                           {
                               if (!is_complex)
-                                  return &typeid(Element);
+                                  return identity<Element>(is_array);
                               if constexpr (has_complex_form<Element>)
-                                  return &typeid(std::complex<Element>);
+                                  return identity<std::complex<Element>>(is_array);
                               else
-                                  return &typeid(void);
+                                  return identity<void>(is_array);
                           });
 }
 

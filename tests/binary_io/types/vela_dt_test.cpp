@@ -1,5 +1,7 @@
 #include <VelaBase/vela_dt.h>
+#include <VelaProps/VProp.h>
 #include <VelaProps/VPropstring.h>
+#include <VelaProps/VPropstruct.h>
 
 #include <gtest/gtest.h>
 
@@ -202,12 +204,35 @@ TEST(SampleTypeIdentity, OfInt8IsPlainChar)
     EXPECT_NE(vela_dt_get_type(0x2), typeid(std::int8_t));
 }
 
-TEST(SampleTypeIdentity, OfPropertiesAndArraysIsThatOfNoTypeWhileTheLibraryHasNone)
+TEST(SampleTypeIdentity, OfCellsAndStructsIsThatOfTheProperty)
 {
-    EXPECT_EQ(vela_dt_get_type(0x4000), typeid(void));
-    EXPECT_EQ(vela_dt_get_type(0x8000), typeid(void));
-    for (const KnownType& known : known_types)
-        EXPECT_EQ(vela_dt_get_type(as_dt(known.id | array_flag)), typeid(void)) << known.name;
+    EXPECT_EQ(vela_dt_get_type(0x4000), typeid(VProp));
+    EXPECT_EQ(vela_dt_get_type(0x8000), typeid(VPropstruct));
+}
+
+TEST(SampleTypeIdentity, WithTheArrayFlagIsThatOfTheArrayOfIt)
+{
+    const auto with_flag = [](std::uint32_t id) -> const std::type_info&
+    { return vela_dt_get_type(as_dt(id | array_flag)); };
+    EXPECT_EQ(with_flag(0x1), typeid(VProparray<std::uint8_t>));
+    EXPECT_EQ(with_flag(0x2), typeid(VProparray<char>));
+    EXPECT_EQ(with_flag(0x4), typeid(VProparray<std::uint16_t>));
+    EXPECT_EQ(with_flag(0x8), typeid(VProparray<std::int16_t>));
+    EXPECT_EQ(with_flag(0x10), typeid(VProparray<std::uint32_t>));
+    EXPECT_EQ(with_flag(0x20), typeid(VProparray<std::int32_t>));
+    EXPECT_EQ(with_flag(0x40), typeid(VProparray<float>));
+    EXPECT_EQ(with_flag(0x80), typeid(VProparray<double>));
+    EXPECT_EQ(with_flag(0x400), typeid(VProparray<_s_vela_RGB>));
+    EXPECT_EQ(with_flag(0x800), typeid(VProparray<std::uint32_t>));
+    EXPECT_EQ(with_flag(0x1000), typeid(VProparray<std::uint64_t>));
+    EXPECT_EQ(with_flag(0x2000), typeid(VProparray<std::int64_t>));
+    EXPECT_EQ(with_flag(0x4000), typeid(VProparray<VProp>));
+    EXPECT_EQ(with_flag(0x8000), typeid(VProparray<VPropstruct>));
+    EXPECT_EQ(with_flag(0x10000), typeid(VProparray<bool>));
+    EXPECT_EQ(with_flag(0x20000), typeid(VProparray<VPropstring>));
+    EXPECT_EQ(with_flag(0x40000008), typeid(VProparray<std::complex<std::int16_t>>));
+    EXPECT_EQ(with_flag(0x40000080), typeid(VProparray<std::complex<double>>));
+    EXPECT_EQ(with_flag(0), typeid(void));
 }
 
 TEST(SampleTypeIdentity, OfCharIsThePropertyString)
