@@ -1,0 +1,188 @@
+// What holds for each of the 48 types that a value can have.
+#include "props/held_types.h"
+#include "support/expect_vela_error.h"
+
+#include <VelaProps/VProp.h>
+#include <VelaProps/VPropstruct.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <type_traits>
+#include <typeinfo>
+
+namespace {
+
+using prop_test::Held;
+using prop_test::NamedValue;
+using prop_test::same;
+using prop_test::Sample;
+
+template <class T>
+class VPropOf : public testing::Test
+{
+};
+TYPED_TEST_SUITE(VPropOf, prop_test::HeldTypes);
+
+TYPED_TEST(VPropOf, HasTheIdOfItsType)
+{
+    EXPECT_EQ(static_cast<std::uint32_t>(VProp(Sample<TypeParam>::one()).get_id()), Held<TypeParam>::id);
+    EXPECT_EQ(static_cast<std::uint32_t>(VProp::type_id<TypeParam>), Held<TypeParam>::id);
+}
+
+TYPED_TEST(VPropOf, HasItsType)
+{
+    const VProp value(Sample<TypeParam>::one());
+    EXPECT_FALSE(value.empty());
+    EXPECT_EQ(value.type(), typeid(TypeParam));
+}
+
+TYPED_TEST(VPropOf, HoldsACopyOfTheArgument)
+{
+    TypeParam argument = Sample<TypeParam>::one();
+    VProp value(argument);
+    argument = Sample<TypeParam>::other();
+    const VProp& constant = value;
+    EXPECT_TRUE(same(constant.get<TypeParam>(), Sample<TypeParam>::one()));
+    EXPECT_EQ(&constant.get<TypeParam>(), constant.value_ptr());
+    EXPECT_EQ(&value.get<TypeParam>(), value.value_ptr());
+}
+
+TYPED_TEST(VPropOf, IsWrittenThroughGet)
+{
+    VProp value(Sample<TypeParam>::one());
+    value.get<TypeParam>() = Sample<TypeParam>::other();
+    EXPECT_TRUE(same(static_cast<const VProp&>(value).get<TypeParam>(), Sample<TypeParam>::other()));
+}
+
+TYPED_TEST(VPropOf, CopyDetachesWhenItIsWrittenTo)
+{
+    const VProp value(Sample<TypeParam>::one());
+    VProp copy(value);
+    EXPECT_EQ(static_cast<const VProp&>(copy).value_ptr(), value.value_ptr());
+    copy.get<TypeParam>() = Sample<TypeParam>::other();
+    EXPECT_NE(static_cast<const VProp&>(copy).value_ptr(), value.value_ptr());
+    EXPECT_TRUE(same(value.get<TypeParam>(), Sample<TypeParam>::one()));
+    EXPECT_TRUE(same(copy.get<TypeParam>(), Sample<TypeParam>::other()));
+}
+
+TYPED_TEST(VPropOf, EqualsWhatIsEqual)
+{
+    const VProp value(Sample<TypeParam>::one());
+    EXPECT_TRUE(value == VProp(Sample<TypeParam>::one()));
+    EXPECT_FALSE(value != VProp(Sample<TypeParam>::one()));
+    EXPECT_TRUE(value == VProp(value));
+    EXPECT_FALSE(value == VProp(Sample<TypeParam>::other()));
+    EXPECT_TRUE(value != VProp(Sample<TypeParam>::other()));
+}
+
+TYPED_TEST(VPropOf, EqualsNoOtherType)
+{
+    const VProp value(Sample<TypeParam>::one());
+    for (const NamedValue& other : prop_test::one_of_each())
+    {
+        EXPECT_EQ(value == other.value, other.id == Held<TypeParam>::id) << other.name;
+        EXPECT_EQ(other.value == value, other.id == Held<TypeParam>::id) << other.name;
+    }
+}
+
+TYPED_TEST(VPropOf, IsNotGivenAsAnotherType)
+{
+    for (NamedValue& other : prop_test::one_of_each())
+    {
+        if (other.id == Held<TypeParam>::id)
+            continue;
+        const std::string text = "Type mismatch: found " + other.name + ", expected " + Held<TypeParam>::name();
+        const VProp before(other.value);
+        EXPECT_VELA_ERROR_IN(other.value.template get<TypeParam>(), "VProp::get", "sources/props", -1, text);
+        EXPECT_VELA_ERROR_IN(static_cast<const VProp&>(other.value).template get<TypeParam>(), "VProp::get",
+                             "sources/props", -1, text);
+        EXPECT_TRUE(other.value == before);
+    }
+}
+
+TYPED_TEST(VPropOf, GivesItsBaseIfItIsAnArray)
+{
+    const VProp value(Sample<TypeParam>::one());
+    if constexpr ((Held<TypeParam>::id & 0x80000000) != 0)
+    {
+        const VProparrayBase* const base = &value.get<TypeParam>();
+        EXPECT_EQ(value.get_arr(false), base);
+        EXPECT_EQ(value.get_arr(true), base);
+    }
+    else
+    {
+        EXPECT_EQ(value.get_arr(false), nullptr);
+        EXPECT_VELA_ERROR_IN(value.get_arr(true), "VProp::get_arr", "sources/props", -1,
+                             "Type mismatch: expected 'array' type!");
+    }
+}
+
+TYPED_TEST(VPropOf, IsAssignedFromItsType)
+{
+    VProp value(L"before");
+    VProp& result = (value = Sample<TypeParam>::one());
+    EXPECT_EQ(&result, &value);
+    EXPECT_TRUE(same(static_cast<const VProp&>(value).get<TypeParam>(), Sample<TypeParam>::one()));
+}
+
+TYPED_TEST(VPropOf, IsMadeByEnsureInAnEmptyValueOnly)
+{
+    VProp value;
+    EXPECT_TRUE(same(value.ensure<TypeParam>(), TypeParam()));
+    EXPECT_EQ(static_cast<std::uint32_t>(value.get_id()), Held<TypeParam>::id);
+    value.get<TypeParam>() = Sample<TypeParam>::one();
+    const void* const address = value.value_ptr();
+    EXPECT_TRUE(same(value.ensure<TypeParam>(), Sample<TypeParam>::one()));
+    EXPECT_EQ(value.value_ptr(), address);
+}
+
+TYPED_TEST(VPropOf, ContainerStartsWithOneOwnerAndUnlocked)
+{
+    VProp::holder<TypeParam> container(Sample<TypeParam>::one());
+    EXPECT_EQ(container.refcount, 1u);
+    EXPECT_FALSE(container.locked);
+    VProp::placeholder& base = container;
+    EXPECT_EQ(base.type(), typeid(TypeParam));
+    EXPECT_EQ(static_cast<std::uint32_t>(base.get_id()), Held<TypeParam>::id);
+    EXPECT_EQ(base.value_ptr(), &container.value);
+    EXPECT_EQ(static_cast<const VProp::placeholder&>(base).value_ptr(), &container.value);
+}
+
+TYPED_TEST(VPropOf, CloneOfAContainerIsFreshWhateverTheOriginalIs)
+{
+    VProp::holder<TypeParam> container(Sample<TypeParam>::one());
+    container.refcount = 7;
+    container.locked = true;
+    const std::unique_ptr<VProp::placeholder> clone(container.clone());
+    EXPECT_EQ(clone->refcount, 1u);
+    EXPECT_FALSE(clone->locked);
+    EXPECT_EQ(static_cast<std::uint32_t>(clone->get_id()), Held<TypeParam>::id);
+    EXPECT_EQ(clone->type(), typeid(TypeParam));
+    EXPECT_NE(clone->value_ptr(), container.value_ptr());
+    EXPECT_TRUE(same(*static_cast<const TypeParam*>(clone->value_ptr()), Sample<TypeParam>::one()));
+    EXPECT_EQ(container.refcount, 7u);
+    EXPECT_TRUE(container.locked);
+}
+
+TEST(VPropTypes, HaveIdsThatDiffer)
+{
+    std::set<std::uint32_t> ids;
+    for (const NamedValue& value : prop_test::one_of_each())
+        EXPECT_TRUE(ids.insert(value.id).second) << value.name;
+    EXPECT_EQ(ids.size(), 49u);
+}
+
+TEST(VPropTypes, AreNoOthers)
+{
+    static_assert(VProp::type_id<std::complex<bool>> == 0, "there are no complex booleans");
+    static_assert(VProp::type_id<VProparray<_s_vela_RGB>> == 0, "there are no arrays of colours");
+    static_assert(VProp::type_id<VProp> == 0, "there is no scalar cell");
+    static_assert(!std::is_constructible_v<VProp, std::complex<bool>>);
+    static_assert(!std::is_constructible_v<VProp, const void*>);
+    static_assert(!std::is_constructible_v<VProp, long double>);
+    EXPECT_EQ(VProp('a').get_id(), 0x2) << "one byte is a number, not a text";
+}
+
+}
