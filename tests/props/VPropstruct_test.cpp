@@ -141,6 +141,18 @@ TEST(VPropstructErase, ReleasesTheValue)
     EXPECT_TRUE(copy.lock());
 }
 
+TEST(VPropstructErase, MovesTheOthersWithTheirAttachmentsAndLocks)
+{
+    VPropstruct tree = abc();
+    tree["c"].set_info(prop_test::attachment(5));
+    EXPECT_TRUE(tree["c"].lock());
+    const void* const address = tree["c"].value_ptr();
+    EXPECT_TRUE(tree.erase("a"));
+    EXPECT_EQ(tree["c"].value_ptr(), address);
+    EXPECT_EQ(prop_test::number_of(tree["c"]), 5);
+    EXPECT_NE(VProp(tree["c"]).value_ptr(), address) << "still locked";
+}
+
 TEST(VPropstructErase, ByIteratorIsThatOfTheVector)
 {
     VPropstruct tree = abc();
