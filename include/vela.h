@@ -37,8 +37,10 @@
 #include <VelaFile/VZippedSegment.h>
 #include <VelaFile/handle.h>
 #include <VelaProps/VProp.h>
+#include <VelaProps/VPropVisitor.h>
 #include <VelaProps/VProparray.h>
 #include <VelaProps/VPropstring.h>
 #include <VelaProps/VPropstruct.h>
+#include <VelaProps/vela_prop_cast.h>
 #include <si/fraction.h>
 #include <si/value.h>
