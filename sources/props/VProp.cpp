@@ -173,8 +173,8 @@ VProp& VProp::swap_value(VProp& other) noexcept
 
 void VProp::clear() noexcept
 {
-    drop();
-    content = nullptr;
+    VProp old; // whose end may look at this value
+    swap_value(old);
 }
 
 VProp& VProp::operator()(std::size_t a, std::size_t b, std::size_t c, std::size_t d)
