@@ -125,7 +125,9 @@ public:
 protected:
     VProparrayBase();
     VProparrayBase(const VProparrayBase& other);
+    VProparrayBase(VProparrayBase&& other) noexcept;
     VProparrayBase& operator=(const VProparrayBase& other);
+    VProparrayBase& operator=(VProparrayBase&& other) noexcept;
     ~VProparrayBase();
 
 private:
@@ -146,14 +148,14 @@ public:
 
     VProparray() = default;
     VProparray(const VProparray& other) = default;
-    VProparray(VProparray&& other) = default;
+    VProparray(VProparray&& other) noexcept = default;
     /// `other` may lie in this array.
     VProparray& operator=(const VProparray& other)
     {
         VProparray copy(other);
         return *this = std::move(copy);
     }
-    VProparray& operator=(VProparray&& other) = default;
+    VProparray& operator=(VProparray&& other) noexcept = default;
 
     std::size_t count() const override { return Elements::size(); }
 

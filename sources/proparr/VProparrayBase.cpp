@@ -108,7 +108,9 @@ Place find_place(Sizes sizes, const Sizes& stored, const Sizes& pos, bool grow)
 
 VProparrayBase::VProparrayBase() = default;
 VProparrayBase::VProparrayBase(const VProparrayBase& other) = default;
+VProparrayBase::VProparrayBase(VProparrayBase&& other) noexcept = default;
 VProparrayBase& VProparrayBase::operator=(const VProparrayBase& other) = default;
+VProparrayBase& VProparrayBase::operator=(VProparrayBase&& other) noexcept = default;
 VProparrayBase::~VProparrayBase() = default;
 
 Sizes VProparrayBase::get_size(bool check) const

@@ -103,7 +103,7 @@ VPropstruct::~VPropstruct() = default;
 
 VProp& VPropstruct::getp(const std::string& path, bool create)
 {
-    const std::string own(path); // which may be a key that has to move
+    const std::string own(path.data(), path.size()); // which may be a key that has to move
     std::string_view rest = own;
     VProp& member = walk_struct(*this, rest, create);
     return walk(member, rest, create);
@@ -156,8 +156,8 @@ VPropstruct::const_iterator VPropstruct::find(const std::string& key) const
 
 VProp& VProp::getp(const std::string& path, bool create)
 {
-    const std::string own_path(path); // which may be a key that has to move
-    return walk(*this, own_path, create);
+    const std::string own(path.data(), path.size()); // which may be a key that has to move
+    return walk(*this, own, create);
 }
 
 const VProp& VProp::getp(const std::string& path) const
