@@ -360,7 +360,14 @@ VProparray<T>& VProp::ensure_array(std::size_t count)
     return array;
 }
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
 extern template class VProparray<VProp>;
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 
 extern template class VProp::holder<unsigned char>;
 extern template class VProp::holder<char>;

@@ -40,6 +40,9 @@ VELA_API void vela_prop_reserve(std::vector<std::pair<std::string, VProp>>& v, s
 /// The elements lie in a vector that anybody may lengthen, so the sizes may be out of date: `get_size` mends its answer.
 ///
 /// An array has no destructor in its table: destroy it as what it is.
+///
+/// Where there is no memory for the elements, what comes is the exception of the vector: `std::bad_alloc`, or
+/// `std::length_error` for more elements than any vector holds.
 class VELA_API VProparrayBase
 {
 public:
@@ -178,10 +181,6 @@ public:
     typename Elements::const_reference at(const std::vector<std::size_t>& pos) const { return (*this)[get_idx(pos)]; }
 };
 
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
-
 extern template class VProparray<unsigned char>;
 extern template class VProparray<char>;
 extern template class VProparray<unsigned short>;
@@ -204,3 +203,7 @@ extern template class VProparray<std::complex<std::int64_t>>;
 extern template class VProparray<std::complex<float>>;
 extern template class VProparray<std::complex<double>>;
 extern template class VProparray<VPropstring>;
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
