@@ -165,10 +165,6 @@ public:
     typename Elements::const_reference at(const std::vector<std::size_t>& pos) const { return (*this)[get_idx(pos)]; }
 };
 
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
-
 extern template class VProparray<unsigned char>;
 extern template class VProparray<char>;
 extern template class VProparray<unsigned short>;
@@ -191,3 +187,7 @@ extern template class VProparray<std::complex<std::int64_t>>;
 extern template class VProparray<std::complex<float>>;
 extern template class VProparray<std::complex<double>>;
 extern template class VProparray<VPropstring>;
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif

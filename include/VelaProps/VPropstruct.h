@@ -76,7 +76,14 @@ public:
     const_iterator find(const std::string& key) const;
 };
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor" // as in VProparray.h
+#endif
 extern template class VProparray<VPropstruct>;
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
 extern template class VProp::holder<VPropstruct>;
 extern template class VProp::holder<VProparray<VPropstruct>>;
 
