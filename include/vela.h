@@ -10,6 +10,7 @@
 #include <Json/XmlReader.h>
 #include <Json/map_node.h>
 #include <Json/map_tree.h>
+#include <Json/property_bridge.h>
 #include <Json/write.h>
 #include <Ome/Channel.h>
 #include <Ome/Collection.h>

@@ -270,10 +270,6 @@ public:
     bool locked = false;        ///< never to be shared again
 };
 
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
-
 template <class T>
 class VELA_API VProp::holder final : public VProp::placeholder
 {
@@ -415,3 +411,7 @@ extern template class VProp::holder<VProparray<std::complex<float>>>;
 extern template class VProp::holder<VProparray<std::complex<double>>>;
 extern template class VProp::holder<VProparray<std::complex<std::uint64_t>>>;
 extern template class VProp::holder<VProparray<std::complex<std::int64_t>>>;
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
