@@ -235,7 +235,9 @@ public:
 
 private:
     static placeholder* clone(const placeholder& container);
+    static void destroy(placeholder* container) noexcept;
     bool is_shared() const noexcept;
+    void share_locked();
     void detach();
     void drop() noexcept;
     [[noreturn]] void throw_mismatch(vela_dt expected) const;
@@ -284,6 +286,23 @@ public:
 
     T value;
 };
+
+// Copies and their ends are here, as there are so many of them.
+inline VProp::VProp(const VProp& other) : content(other.content)
+{
+    if (content == nullptr)
+        return;
+    if (content->locked)
+        share_locked();
+    else
+        ++content->refcount;
+}
+
+inline void VProp::drop() noexcept
+{
+    if (content != nullptr && --content->refcount == 0)
+        destroy(content);
+}
 
 inline bool VProp::is_shared() const noexcept
 {
