@@ -301,6 +301,20 @@ TEST(VPropClone, ClonesLockedMembers)
     EXPECT_TRUE(a == b);
 }
 
+TEST(VPropClone, OfLockedMembersIsUnlocked)
+{
+    VProp a;
+    a["x.y"] = 1;
+    EXPECT_TRUE(a.getp("x", false).lock());
+    EXPECT_TRUE(a.lock());
+    VProp b(a);
+    const VProp& clone = b.getp("x", false);
+    EXPECT_NE(address_of(clone), address_of(a.getp("x", false)));
+    EXPECT_TRUE(share(clone, VProp(clone)));
+    const VProp root(b);
+    EXPECT_TRUE(share(b, root));
+}
+
 TEST(VPropClone, OfALockedStructIsOneLevelDeep)
 {
     VProp a;

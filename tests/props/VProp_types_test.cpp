@@ -7,8 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <set>
+#include <string>
 #include <type_traits>
 #include <typeinfo>
 
@@ -18,6 +20,45 @@ using prop_test::Held;
 using prop_test::NamedValue;
 using prop_test::same;
 using prop_test::Sample;
+
+// What needs no type of its own is compiled once, not 48 times.
+
+void expect_failure(const std::function<void()>& call, const char* function, const std::string& text)
+{
+    EXPECT_VELA_ERROR_IN(call(), function, "sources/props", -1, text);
+}
+
+void expect_base(const VProp& value, const VProparrayBase* base)
+{
+    EXPECT_EQ(value.get_arr(false), base);
+    EXPECT_EQ(value.get_arr(true), base);
+}
+
+void expect_no_base(const VProp& value)
+{
+    EXPECT_EQ(value.get_arr(false), nullptr);
+    expect_failure([&] { value.get_arr(true); }, "VProp::get_arr", "Type mismatch: expected 'array' type!");
+}
+
+/// Without its value.
+void expect_container(VProp::placeholder& container, std::uint64_t refcount, bool locked, std::uint32_t id,
+                      const std::type_info& type)
+{
+    EXPECT_EQ(container.refcount, refcount);
+    EXPECT_EQ(container.locked, locked);
+    EXPECT_EQ(static_cast<std::uint32_t>(container.get_id()), id);
+    EXPECT_EQ(container.type(), type);
+    EXPECT_EQ(static_cast<const VProp::placeholder&>(container).value_ptr(), container.value_ptr());
+}
+
+void expect_equal_to_own_type_only(const VProp& value, std::uint32_t id)
+{
+    for (const NamedValue& other : prop_test::one_of_each())
+    {
+        EXPECT_EQ(value == other.value, other.id == id) << other.name;
+        EXPECT_EQ(other.value == value, other.id == id) << other.name;
+    }
+}
 
 template <class T>
 class VPropOf : public testing::Test
@@ -79,12 +120,7 @@ TYPED_TEST(VPropOf, EqualsWhatIsEqual)
 
 TYPED_TEST(VPropOf, EqualsNoOtherType)
 {
-    const VProp value(Sample<TypeParam>::one());
-    for (const NamedValue& other : prop_test::one_of_each())
-    {
-        EXPECT_EQ(value == other.value, other.id == Held<TypeParam>::id) << other.name;
-        EXPECT_EQ(other.value == value, other.id == Held<TypeParam>::id) << other.name;
-    }
+    expect_equal_to_own_type_only(VProp(Sample<TypeParam>::one()), Held<TypeParam>::id);
 }
 
 TYPED_TEST(VPropOf, IsNotGivenAsAnotherType)
@@ -95,9 +131,8 @@ TYPED_TEST(VPropOf, IsNotGivenAsAnotherType)
             continue;
         const std::string text = "Type mismatch: found " + other.name + ", expected " + Held<TypeParam>::name();
         const VProp before(other.value);
-        EXPECT_VELA_ERROR_IN(other.value.template get<TypeParam>(), "VProp::get", "sources/props", -1, text);
-        EXPECT_VELA_ERROR_IN(static_cast<const VProp&>(other.value).template get<TypeParam>(), "VProp::get",
-                             "sources/props", -1, text);
+        expect_failure([&] { other.value.template get<TypeParam>(); }, "VProp::get", text);
+        expect_failure([&] { static_cast<const VProp&>(other.value).template get<TypeParam>(); }, "VProp::get", text);
         EXPECT_TRUE(other.value == before);
     }
 }
@@ -106,17 +141,9 @@ TYPED_TEST(VPropOf, GivesItsBaseIfItIsAnArray)
 {
     const VProp value(Sample<TypeParam>::one());
     if constexpr ((Held<TypeParam>::id & 0x80000000) != 0)
-    {
-        const VProparrayBase* const base = &value.get<TypeParam>();
-        EXPECT_EQ(value.get_arr(false), base);
-        EXPECT_EQ(value.get_arr(true), base);
-    }
+        expect_base(value, &value.get<TypeParam>());
     else
-    {
-        EXPECT_EQ(value.get_arr(false), nullptr);
-        EXPECT_VELA_ERROR_IN(value.get_arr(true), "VProp::get_arr", "sources/props", -1,
-                             "Type mismatch: expected 'array' type!");
-    }
+        expect_no_base(value);
 }
 
 TYPED_TEST(VPropOf, IsAssignedFromItsType)
@@ -141,13 +168,8 @@ TYPED_TEST(VPropOf, IsMadeByEnsureInAnEmptyValueOnly)
 TYPED_TEST(VPropOf, ContainerStartsWithOneOwnerAndUnlocked)
 {
     VProp::holder<TypeParam> container(Sample<TypeParam>::one());
-    EXPECT_EQ(container.refcount, 1u);
-    EXPECT_FALSE(container.locked);
-    VProp::placeholder& base = container;
-    EXPECT_EQ(base.type(), typeid(TypeParam));
-    EXPECT_EQ(static_cast<std::uint32_t>(base.get_id()), Held<TypeParam>::id);
-    EXPECT_EQ(base.value_ptr(), &container.value);
-    EXPECT_EQ(static_cast<const VProp::placeholder&>(base).value_ptr(), &container.value);
+    expect_container(container, 1, false, Held<TypeParam>::id, typeid(TypeParam));
+    EXPECT_EQ(static_cast<VProp::placeholder&>(container).value_ptr(), &container.value);
 }
 
 TYPED_TEST(VPropOf, CloneOfAContainerIsFreshWhateverTheOriginalIs)
@@ -156,14 +178,10 @@ TYPED_TEST(VPropOf, CloneOfAContainerIsFreshWhateverTheOriginalIs)
     container.refcount = 7;
     container.locked = true;
     const std::unique_ptr<VProp::placeholder> clone(container.clone());
-    EXPECT_EQ(clone->refcount, 1u);
-    EXPECT_FALSE(clone->locked);
-    EXPECT_EQ(static_cast<std::uint32_t>(clone->get_id()), Held<TypeParam>::id);
-    EXPECT_EQ(clone->type(), typeid(TypeParam));
-    EXPECT_NE(clone->value_ptr(), container.value_ptr());
+    expect_container(*clone, 1, false, Held<TypeParam>::id, typeid(TypeParam));
+    expect_container(container, 7, true, Held<TypeParam>::id, typeid(TypeParam));
+    EXPECT_NE(clone->value_ptr(), &container.value);
     EXPECT_TRUE(same(*static_cast<const TypeParam*>(clone->value_ptr()), Sample<TypeParam>::one()));
-    EXPECT_EQ(container.refcount, 7u);
-    EXPECT_TRUE(container.locked);
 }
 
 TEST(VPropTypes, HaveIdsThatDiffer)
