@@ -246,7 +246,7 @@ private:
     void drop() noexcept;
     [[noreturn]] void throw_mismatch(vela_dt expected) const;
 
-    placeholder* content;
+    mutable placeholder* content; ///< also constant values detach, when somebody walks through them
     mutable boost::shared_ptr<VPropInfo> info;
 };
 

@@ -165,7 +165,11 @@ public:
     void resize(std::size_t n, bool reset) override
     {
         if (reset)
-            Elements::clear();
+        {
+            Elements defaults(n);
+            Elements::swap(defaults);
+            return;
+        }
         if constexpr (std::is_same_v<T, VProp>)
             vela_prop_reserve(*this, n);
         else
