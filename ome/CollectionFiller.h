@@ -152,7 +152,9 @@ private:
     {
         if (!collection.elements_)
             collection.elements_ = boost::make_shared<detail::ElementTable>();
-        rest.tables.emplace_back(collection.elements_);
+        const auto is_own = [&](const auto& table) { return table.lock() == collection.elements_; };
+        if (std::ranges::none_of(rest.tables, is_own))
+            rest.tables.emplace_back(collection.elements_);
         const bool heavy = rest.history->weight() > most_weight;
         list.set_list_source(boost::make_shared<Watched>(std::move(rest.history), rest.tables));
         if (heavy)

@@ -94,6 +94,17 @@ TEST(OmeImageLaziness, CopiesAndSecondRecordsTakeNoMemoryEither)
     EXPECT_EQ(second.planes.size(), 1000000u);
 }
 
+TEST(OmeImageLaziness, OffsetsThatAreSetAgainAndAgainTakeNoMemory)
+{
+    Value tree;
+    Image image(tree);
+    image.set_sizes({4, 3, 1000, 1000, 1});
+    const vela_test::AllocationWatch watch;
+    for (int i = 0; i < 10000; ++i)
+        image.set_off(0, i);
+    EXPECT_LE(watch.peak_extra_bytes(), small_memory);
+}
+
 TEST(OmeImageLaziness, FewPlanesAreMadeForALookAtOne)
 {
     Value tree;
