@@ -95,6 +95,9 @@ static_assert(std::is_signed_v<char>, "\"int8\" is plain char, which has to be s
 ///
 /// The count of those who share is a plain number: a value, and all that share with it, belong to one thread at a time.
 ///
+/// References to members and elements are good until their struct or array grows. So a member that is copied to a new
+/// one needs a copy first: `p["b"] = VProp(p["a"])`. No value may be put into itself, as in `p["a"] = p`: `VProp(p)` may.
+///
 /// Trees may be of any depth: copying, comparing and destroying them do not recurse.
 class VELA_API VProp
 {
@@ -218,6 +221,7 @@ public:
     /// `getp(path, true)`, also for a constant value, which gains what is missing: this is wanted.
     VProp& operator[](const std::string& path);
     const VProp& operator[](const std::string& path) const;
+    void operator[](std::nullptr_t) const = delete; ///< the number 0 is no path
     /// @}
 
     /// @name Elements of cell arrays and of struct arrays, by position as in `VProparrayBase::val2pos`
@@ -235,7 +239,9 @@ public:
 
 private:
     static placeholder* clone(const placeholder& container);
+    static void destroy(placeholder* container) noexcept;
     bool is_shared() const noexcept;
+    void share_locked();
     void detach();
     void drop() noexcept;
     [[noreturn]] void throw_mismatch(vela_dt expected) const;
@@ -284,6 +290,23 @@ public:
 
     T value;
 };
+
+// Copies and their ends are here, as there are so many of them.
+inline VProp::VProp(const VProp& other) : content(other.content)
+{
+    if (content == nullptr)
+        return;
+    if (content->locked)
+        share_locked();
+    else
+        ++content->refcount;
+}
+
+inline void VProp::drop() noexcept
+{
+    if (content != nullptr && --content->refcount == 0)
+        destroy(content);
+}
 
 inline bool VProp::is_shared() const noexcept
 {

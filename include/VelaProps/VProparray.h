@@ -144,6 +144,17 @@ public:
     using Elements::size;
     using VProparrayBase::size;
 
+    VProparray() = default;
+    VProparray(const VProparray& other) = default;
+    VProparray(VProparray&& other) = default;
+    /// `other` may lie in this array.
+    VProparray& operator=(const VProparray& other)
+    {
+        VProparray copy(other);
+        return *this = std::move(copy);
+    }
+    VProparray& operator=(VProparray&& other) = default;
+
     std::size_t count() const override { return Elements::size(); }
 
     void resize(std::size_t n, bool reset) override

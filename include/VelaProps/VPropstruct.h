@@ -42,7 +42,7 @@
 /// Named values, in the order in which they came.
 ///
 /// A vector of key and value. Keys are compared byte for byte; the first of two equal ones, which only the interface of
-/// the vector can make, hides the other. Looking for a key takes time for every member before it. Never let the vector
+/// the vector can make, hides the other. References to members are good until one is added. Looking for a key takes time for every member before it. Never let the vector
 /// grow by itself: see `vela_prop_reserve`.
 class VELA_API VPropstruct : public std::vector<std::pair<std::string, VProp>>
 {
@@ -63,6 +63,7 @@ public:
     VProp& operator[](const std::string& path);
     /// `getp(path)`, which creates nothing.
     const VProp& operator[](const std::string& path) const;
+    void operator[](std::nullptr_t) const = delete; ///< the number 0 is no path
 
     /// Whether there is a member with this key, which is no path.
     bool has_key(const std::string& key) const;

@@ -70,10 +70,16 @@ void check_rank(std::size_t rank, std::size_t position_rank, bool grow)
                                                                        low_bits(rank), low_bits(position_rank))(-1);
 }
 
-/// `sizes` are those of the array, which has elements unless `is_empty`.
-Place find_place(Sizes sizes, const Sizes& pos, bool is_empty, bool grow)
+[[noreturn]] void fail_size()
+{
+    throw VelaError("VProparrayBase::set_size", __FILE__, __LINE__)("Invalid size set!")(-1);
+}
+
+/// `sizes` are those of the array as it is now, `stored` those that were set.
+Place find_place(Sizes sizes, const Sizes& stored, const Sizes& pos, bool grow)
 {
     const std::size_t rank = sizes.size();
+    const bool is_empty = VProparrayBase::size(stored) == 0;
     check_rank(rank, pos.size(), grow);
     sizes.resize(pos.size(), 1);
     Place place{0, std::move(sizes), false};
@@ -83,10 +89,12 @@ Place find_place(Sizes sizes, const Sizes& pos, bool is_empty, bool grow)
         std::size_t& size = place.sizes[i];
         if (pos[i] >= size)
         {
-            const bool may_grow = grow && (is_empty || i + 1 == rank) && pos[i] != VProparrayBase::absent;
-            if (!may_grow)
-                throw VelaError("VProparrayBase::get_idx", __FILE__, __LINE__)(
-                    "Index %d out of bounds! (%d >= %d)!", low_bits(i), low_bits(pos[i]), low_bits(size))(-1);
+            if (!grow || (!is_empty && i + 1 != rank))
+                throw VelaError("VProparrayBase::get_idx", __FILE__,
+                                __LINE__)("Index %d out of bounds! (%d >= %d)!", low_bits(i), low_bits(pos[i]),
+                                          low_bits(i < stored.size() ? stored[i] : size))(-1);
+            if (pos[i] == VProparrayBase::absent)
+                fail_size();
             size = pos[i] + 1;
             place.is_grown = true;
         }
@@ -127,7 +135,7 @@ void VProparrayBase::set_size(const Sizes& new_sizes, set_mode mode)
     Sizes stored(new_sizes); // before anything changes: it may be the last memory
     const bool fits = new_sizes.empty() || n == count() || mode == set_only;
     if (!n || (mode == set_strict && !fits))
-        throw VelaError("VProparrayBase::set_size", __FILE__, __LINE__)("Invalid size set!")(-1);
+        fail_size();
     if (mode == set_reset)
         resize(*n, true);
     else if (!fits)
@@ -142,12 +150,12 @@ void VProparrayBase::set_size(std::size_t a, std::size_t b, std::size_t c, std::
 
 std::size_t VProparrayBase::get_idx(const Sizes& pos) const
 {
-    return find_place(get_size(true), pos, size(sizes) == 0, false).index;
+    return find_place(get_size(true), sizes, pos, false).index;
 }
 
 std::size_t VProparrayBase::get_idx(const Sizes& pos, bool grow)
 {
-    const Place place = find_place(get_size(true), pos, size(sizes) == 0, grow);
+    const Place place = find_place(get_size(true), sizes, pos, grow);
     if (place.is_grown)
         set_size(place.sizes, set_resize);
     return place.index;

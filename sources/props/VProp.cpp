@@ -82,17 +82,15 @@ VProp::placeholder* VProp::clone(const placeholder& container)
 VProp::placeholder::placeholder() = default;
 VProp::placeholder::~placeholder() = default;
 
-VProp::VProp(const VProp& other) : content(other.content)
+/// For a new copy of a value that is locked.
+void VProp::share_locked()
 {
-    if (content == nullptr)
-        return;
-    if (content->locked && copies_to_clone == nullptr)
+    if (copies_to_clone == nullptr)
     {
         content = clone(*content);
         return;
     }
-    if (content->locked)
-        copies_to_clone->push_back(this);
+    copies_to_clone->push_back(this);
     ++content->refcount;
 }
 
@@ -110,10 +108,9 @@ VProp& VProp::operator=(const VProp& other)
     return swap(copy);
 }
 
-void VProp::drop() noexcept
+void VProp::destroy(placeholder* container) noexcept
 {
-    if (content != nullptr && --content->refcount == 0)
-        Destruction::destroy(content);
+    Destruction::destroy(container);
 }
 
 void VProp::detach()
@@ -176,8 +173,8 @@ VProp& VProp::swap_value(VProp& other) noexcept
 
 void VProp::clear() noexcept
 {
-    drop();
-    content = nullptr;
+    VProp old; // whose end may look at this value
+    swap_value(old);
 }
 
 VProp& VProp::operator()(std::size_t a, std::size_t b, std::size_t c, std::size_t d)

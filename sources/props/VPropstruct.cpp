@@ -90,13 +90,21 @@ VProp& walk(VProp& start, std::string_view path, bool create)
 VPropstruct::VPropstruct() = default;
 VPropstruct::VPropstruct(const VPropstruct& other) = default;
 VPropstruct::VPropstruct(VPropstruct&& other) noexcept = default;
-VPropstruct& VPropstruct::operator=(const VPropstruct& other) = default;
+
+VPropstruct& VPropstruct::operator=(const VPropstruct& other)
+{
+    VPropstruct copy(other); // which may lie in this
+    swap(copy);
+    return *this;
+}
+
 VPropstruct& VPropstruct::operator=(VPropstruct&& other) noexcept = default;
 VPropstruct::~VPropstruct() = default;
 
 VProp& VPropstruct::getp(const std::string& path, bool create)
 {
-    std::string_view rest = path;
+    const std::string own(path); // which may be a key that has to move
+    std::string_view rest = own;
     VProp& member = walk_struct(*this, rest, create);
     return walk(member, rest, create);
 }
@@ -148,7 +156,8 @@ VPropstruct::const_iterator VPropstruct::find(const std::string& key) const
 
 VProp& VProp::getp(const std::string& path, bool create)
 {
-    return walk(*this, path, create);
+    const std::string own_path(path); // which may be a key that has to move
+    return walk(*this, own_path, create);
 }
 
 const VProp& VProp::getp(const std::string& path) const

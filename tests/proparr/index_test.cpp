@@ -233,12 +233,22 @@ TEST(ProparrayGrowth, BeyondWhatCanBeCountedFails)
     VProparray<int> empty;
     const std::size_t root = std::size_t{1} << 32;
     EXPECT_VELA_ERROR(empty.get_idx({root, root}, true), -1, "Invalid size set!");
-    EXPECT_VELA_ERROR(empty.get_idx({0, absent}, true), -1, "Invalid size set!");
     EXPECT_EQ(empty.get_size(false), (Extents{0, 0}));
     EXPECT_EQ(empty.count(), 0u);
     VProparray<int> array = counting(6, {2, 3});
     EXPECT_VELA_ERROR(array.get_idx({0, absent / 2 + 1}, true), -1, "Invalid size set!");
-    EXPECT_VELA_ERROR(array.get_idx({0, absent}, true), -1, "Invalid size set!");
+    EXPECT_EQ(array.get_size(true), (Extents{2, 3}));
+    EXPECT_EQ(array.count(), 6u);
+}
+
+TEST(ProparrayGrowth, ToTheLargestCoordinateFails)
+{
+    VProparray<int> empty;
+    EXPECT_THROW(empty.get_idx({0, absent}, true), VelaError);
+    EXPECT_THROW(empty.get_idx({absent, 0}, true), VelaError);
+    EXPECT_EQ(empty.get_size(false), (Extents{0, 0}));
+    VProparray<int> array = counting(6, {2, 3});
+    EXPECT_THROW(array.get_idx({0, absent}, true), VelaError);
     EXPECT_EQ(array.get_size(true), (Extents{2, 3}));
     EXPECT_EQ(array.count(), 6u);
 }

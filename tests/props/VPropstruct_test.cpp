@@ -103,9 +103,8 @@ TEST(VPropstructMembers, AreNeverDuplicatedByTheStructItself)
     {
         tree["a"];
         tree.getp("b", true);
-        tree["c.d"];
-        tree["c"] = 1;
         tree["c"].clear();
+        tree["c.d"];
     }
     EXPECT_EQ(keys_of(tree), (Keys{"a", "b", "c"}));
 }
@@ -140,6 +139,18 @@ TEST(VPropstructErase, ReleasesTheValue)
     EXPECT_FALSE(copy.lock());
     EXPECT_TRUE(tree.erase("b"));
     EXPECT_TRUE(copy.lock());
+}
+
+TEST(VPropstructErase, MovesTheOthersWithTheirAttachmentsAndLocks)
+{
+    VPropstruct tree = abc();
+    tree["c"].set_info(prop_test::attachment(5));
+    EXPECT_TRUE(tree["c"].lock());
+    const void* const address = tree["c"].value_ptr();
+    EXPECT_TRUE(tree.erase("a"));
+    EXPECT_EQ(tree["c"].value_ptr(), address);
+    EXPECT_EQ(prop_test::number_of(tree["c"]), 5);
+    EXPECT_NE(VProp(tree["c"]).value_ptr(), address) << "still locked";
 }
 
 TEST(VPropstructErase, ByIteratorIsThatOfTheVector)

@@ -196,6 +196,20 @@ TEST(PathCreation, ReplacesNoValueOfAnotherType)
     EXPECT_EQ(p.getp("numbers").get<VProparray<double>>().count(), 0u);
 }
 
+TEST(PathCreation, TakesAPathThatLiesInTheTreeItself)
+{
+    // Storage grows while the path is still needed, and the path lies in it.
+    for (const std::string path : {"n", "new.b.c", "a-name-that-is-too-long-for-the-string-itself.short.b"})
+    {
+        VPropstruct members;
+        members.emplace_back(path + ".x", VProp());
+        members[members.begin()->first] = 5;
+        EXPECT_EQ(members.getp(path + ".x").get<int>(), 5);
+        VProp tree(members);
+        EXPECT_EQ(tree[static_cast<const VProp&>(tree).get<VPropstruct>().begin()->first].get<int>(), 5);
+    }
+}
+
 TEST(PathReading, MakesNothing)
 {
     VProp p;

@@ -93,8 +93,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Failure{"{1,-2,3}", "Invalid index '-2,3' specified in segment '{1,-2,3}'!"},
                     Failure{"{1,-2,3,4}", "Invalid index '-2,3' specified in segment '{1,-2,3,4}'!"},
                     Failure{"{1,2,-3}", "Invalid index '-3}' specified in segment '{1,2,-3}'!"},
-                    Failure{"(10,20,-3,40,50).a", "Invalid index '-3,40,50)' specified in segment '(10,20,-3,40,50)'!"},
-                    Failure{"{1,,-1,7,7,7,7}", "Invalid index '-1,7,7' specified in segment '{1,,-1,7,7,7,7}'!"}));
+                    Failure{"(10,20,-3,40,50).a", "Invalid index '-3,40,50' specified in segment '(10,20,-3,40,50)'!"},
+                    Failure{"{1,,-1,7,7,7,7}", "Invalid index '-1,7,' specified in segment '{1,,-1,7,7,7,7}'!"}));
 
 INSTANTIATE_TEST_SUITE_P(
     OfANumberThatIntCannotHold, BracketFailure,
