@@ -42,6 +42,7 @@
 #include <VelaProps/VProparray.h>
 #include <VelaProps/VPropstring.h>
 #include <VelaProps/VPropstruct.h>
+#include <VelaProps/property_xml.h>
 #include <VelaProps/vela_prop_cast.h>
 #include <si/fraction.h>
 #include <si/value.h>

@@ -1,0 +1,215 @@
+// Goes through the text as the parser does, and in its words: an attribute may stand without quotes, a comment ends
+// with the first "-->", a declaration or any other "<!" and "<?" with the first ">" outside of what it takes for an
+// attribute, and in text and in quotes a character of several bytes is skipped whole, whatever follows its first byte.
+
+#include "sources/propsxml/xml_depth.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace ticpp {
+
+namespace {
+
+bool is_space(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool is_letter(char c)
+{
+    const auto byte = static_cast<std::uint8_t>(c);
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte >= 127;
+}
+
+bool continues_name(char c)
+{
+    return is_letter(c) || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.' || c == ':';
+}
+
+std::size_t character_length(char c)
+{
+    const auto byte = static_cast<std::uint8_t>(c);
+    if (byte < 0xc2 || byte > 0xf4)
+        return 1;
+    if (byte < 0xe0)
+        return 2;
+    return byte < 0xf0 ? 3 : 4;
+}
+
+bool begins_with(const char* text, const char* word)
+{
+    return std::strncmp(text, word, std::strlen(word)) == 0;
+}
+
+/// The same for a word in lower case, and letters of either case.
+bool begins_with_letters(const char* text, const char* word)
+{
+    for (; *word != '\0'; ++text, ++word)
+    {
+        const char c = *text >= 'A' && *text <= 'Z' ? static_cast<char>(*text + ('a' - 'A')) : *text;
+        if (c != *word)
+            return false;
+    }
+    return true;
+}
+
+/// A cursor on the text. Its steps give false where the parser gives up.
+class Scan
+{
+public:
+    Scan(const char* text, std::size_t most_levels) : p(text), levels(most_levels) {}
+
+    bool is_too_deep()
+    {
+        while (skip_text() && skip_markup())
+        {
+        }
+        return depth > levels;
+    }
+
+private:
+    void skip_space()
+    {
+        while (is_space(*p) || begins_with(p, "\xef\xbb\xbf") || begins_with(p, "\xef\xbf\xbe") ||
+               begins_with(p, "\xef\xbf\xbf"))
+            p += is_space(*p) ? 1 : 3;
+    }
+
+    /// To behind `word`.
+    bool skip_past(const char* word)
+    {
+        const char* const found = std::strstr(p, word);
+        if (found == nullptr)
+            return false;
+        p = found + std::strlen(word);
+        return true;
+    }
+
+    /// The end does not begin in the start: "<!-->" goes on.
+    bool skip_section(const char* start, const char* end)
+    {
+        p += std::strlen(start);
+        return skip_past(end);
+    }
+
+    /// To the next `stop`, as text with characters of several bytes.
+    bool skip_characters(char stop)
+    {
+        while (*p != '\0' && *p != stop)
+            p += character_length(*p);
+        return *p != '\0';
+    }
+
+    /// Between elements there is text; outside of them the parser gives up where there is any.
+    bool skip_text()
+    {
+        skip_space();
+        if (*p == '<')
+            return true;
+        return depth > 0 && skip_characters('<');
+    }
+
+    bool skip_markup()
+    {
+        if (depth > 0 && begins_with(p, "</"))
+            return skip_end_tag();
+        if (begins_with(p, "<!--"))
+            return skip_section("<!--", "-->");
+        if (begins_with(p, "<![CDATA["))
+            return skip_section("<![CDATA[", "]]>");
+        if (is_letter(p[1]) || p[1] == '_')
+            return skip_start_tag();
+        return begins_with_letters(p, "<?xml") ? skip_declaration() : skip_past(">");
+    }
+
+    bool skip_declaration()
+    {
+        p += std::strlen("<?xml");
+        for (skip_space(); *p != '\0'; skip_space())
+        {
+            if (*p == '>')
+            {
+                ++p;
+                return true;
+            }
+            if (begins_with_letters(p, "version") || begins_with_letters(p, "encoding") ||
+                begins_with_letters(p, "standalone"))
+            {
+                if (!skip_attribute())
+                    return false;
+                continue;
+            }
+            while (*p != '\0' && *p != '>' && !is_space(*p))
+                ++p;
+        }
+        return false;
+    }
+
+    bool skip_end_tag()
+    {
+        --depth;
+        return skip_past(">");
+    }
+
+    bool skip_start_tag()
+    {
+        ++p;
+        skip_name();
+        if (++depth > levels)
+            return false;
+        for (skip_space(); *p != '\0'; skip_space())
+        {
+            if (*p == '>')
+            {
+                ++p;
+                return true;
+            }
+            if (*p == '/')
+            {
+                --depth;
+                return *++p == '>' && *++p != '\0';
+            }
+            if (!skip_attribute())
+                return false;
+        }
+        return false;
+    }
+
+    void skip_name()
+    {
+        while (continues_name(*p))
+            ++p;
+    }
+
+    bool skip_attribute()
+    {
+        skip_name();
+        skip_space();
+        if (*p != '=')
+            return false;
+        ++p;
+        skip_space();
+        if (*p == '"' || *p == '\'')
+        {
+            const char quote = *p++;
+            return skip_characters(quote) && *++p != '\0';
+        }
+        while (*p != '\0' && !is_space(*p) && *p != '/' && *p != '>' && *p != '"' && *p != '\'')
+            ++p;
+        return *p != '\0' && *p != '"' && *p != '\'';
+    }
+
+    const char* p;
+    std::size_t levels;
+    std::size_t depth = 0;
+};
+
+}
+
+bool is_nested_deeper(const char* text, std::size_t levels)
+{
+    return Scan(text, levels).is_too_deep();
+}
+
+}
