@@ -81,7 +81,8 @@ VELA_API void vela_export_xml(std::string& xml, const VProp& prop, int format);
 ///
 /// Not for two threads at once: the XML parser has one switch for the whole process, which every call sets.
 ///
-/// @throws VelaError id -1 "Error parsing XML properties:\n%s": no XML, no element, or nested deeper than 512 levels
+/// @throws VelaError id -1 "Error parsing XML properties:\n%s": no XML, no element, elements nested deeper than 512 levels,
+///         or an element with more than 256 attributes
 /// @throws VelaError id -1 "Xml input of newer version than library!": `vprop_version` is above 1
 /// @throws VelaError id -1 "Could not determine xml format!": `format` is 0, and the text is of no known form
 /// @throws VelaError id -1 "Specified format does not match the xml string!": it is of the other known form

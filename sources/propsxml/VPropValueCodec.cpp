@@ -40,10 +40,3 @@ bool VPropValueCodec::append_value(std::string& text, const VProp& prop) const
     return vela_prop::with_scalar_type(element, append_all) ||
            vela_prop::with_type_of<VPropstring>(element, append_all);
 }
-
-const char* VPropValueCodec::skip_separators(const char* text, const char* end) const
-{
-    while (text != end && separator.find(*text) != std::string::npos)
-        ++text;
-    return text;
-}

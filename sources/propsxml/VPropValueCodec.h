@@ -45,7 +45,12 @@ public:
     }
 
 private:
-    const char* skip_separators(const char* text, const char* end) const;
+    const char* skip_separators(const char* text, const char* end) const
+    {
+        while (text != end && (*text == separator.front() || separator.find(*text) != std::string::npos))
+            ++text;
+        return text;
+    }
 
     std::string separator = " "; ///< any of its characters stands between elements
 };

@@ -1,5 +1,7 @@
 #include "sources/propsxml/VPropXmlParser.h"
 
+#include "sources/propsxml/MemberIndex.h"
+
 #include "sources/props/value_types.h"
 
 #include <VelaBase/VelaError.h>
@@ -8,6 +10,7 @@
 #include <algorithm>
 #include <complex>
 #include <cstdint>
+#include <optional>
 
 namespace {
 
@@ -161,8 +164,9 @@ void VPropXmlParser::read_members(const ticpp::Node& node, VPropstruct& members)
 {
     // Room for one more than there will be: otherwise each new member moves all others.
     vela_prop_reserve(members, members.size() + node.count_children() + 1);
+    MemberIndex index(members);
     for (ticpp::Node child = node.first_child(); child; child = child.next_sibling())
-        import_xml(child, members[child.name()]);
+        import_xml(child, index.get(child.name()));
 }
 
 void VPropXmlParser::read_strings(const ticpp::Node& node, VProparray<VPropstring>& strings)
@@ -195,26 +199,31 @@ void VPropXmlParser::read_structs(const ticpp::Node& node, const Sizes& sizes, V
     const std::size_t count_members = count == 0 ? 0 : count_children / count;
     structs.reserve(structs.size() + count);
     ticpp::Node child = node.first_child();
+    std::optional<MemberIndex> first;
     for (std::size_t i = 0; i < count; ++i)
-        child = read_struct(child, i, count_members, structs);
+    {
+        structs.emplace_back();
+        if (!first)
+            first.emplace(structs.front());
+        child = read_struct(child, i, count_members, *first, structs.back());
+    }
     set_strict(structs, sizes);
 }
 
-/// Reads the members of the struct `index` into a new one, and gives the element behind them.
+/// Reads the members of the struct `index`, and gives the element behind them.
 ticpp::Node VPropXmlParser::read_struct(ticpp::Node child, std::size_t index, std::size_t count_members,
-                                        VProparray<VPropstruct>& structs)
+                                        MemberIndex& first, VPropstruct& members)
 {
-    structs.emplace_back();
-    VPropstruct& members = structs.back();
     vela_prop_reserve(members, count_members + 1);
+    MemberIndex read(members);
     for (std::size_t i = 0; i < count_members; ++i, child = child.next_sibling())
     {
         const std::string name = child.name();
         if (attribute_or<std::uint64_t>(child, "idx", 1) != index + 1)
             throw_invalid_struct_array();
-        if (index > 0 && !structs.front().has_key(name))
+        if (index > 0 && !first.has_key(name))
             throw_invalid_struct_array();
-        import_xml(child, members[name]);
+        import_xml(child, read.get(name));
     }
     return child;
 }

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+class MemberIndex;
+
 class VPropXmlParser : public VPropValueCodec
 {
 public:
@@ -45,8 +47,8 @@ private:
     void read_strings(const ticpp::Node& node, VProparray<VPropstring>& strings);
     void read_cells(const ticpp::Node& node, VProparray<VProp>& cells);
     void read_structs(const ticpp::Node& node, const Sizes& sizes, VProparray<VPropstruct>& structs);
-    ticpp::Node read_struct(ticpp::Node child, std::size_t index, std::size_t count_members,
-                            VProparray<VPropstruct>& structs);
+    ticpp::Node read_struct(ticpp::Node child, std::size_t index, std::size_t count_members, MemberIndex& first,
+                            VPropstruct& members);
     void believe(std::size_t promised);
 
     ticpp::Node cur_node; ///< the element that was begun last

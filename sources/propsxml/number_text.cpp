@@ -34,7 +34,9 @@ bool is_digit(char c)
 
 const char* skip_space(const char* text, const char* end)
 {
-    return std::find_if_not(text, end, is_space);
+    while (text != end && is_space(*text))
+        ++text;
+    return text;
 }
 
 /// Copies `count` digits, and writes what else there is up to 20: a length that is known costs a few instructions.

@@ -100,5 +100,7 @@ private:
 
 /// Elements that lie deeper than this are refused: reading and printing recurse.
 constexpr std::size_t deepest_level = 512;
+/// Elements with more are refused: the parser holds each against all others.
+constexpr std::size_t most_attributes = 256;
 
 }

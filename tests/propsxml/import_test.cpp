@@ -313,3 +313,54 @@ TEST(PropertyXmlImport, ReadsTheMetadataOfAFile)
     vela_export_xml(again, prop, 2);
     EXPECT_EQ(again, xml);
 }
+
+TEST(PropertyXmlImport, ManyMembersAreFoundAndMerged)
+{
+    const int count = 100'000;
+    std::string members = "<m5.x type='int32'>1</m5.x>";
+    for (int i = 0; i < count; ++i)
+        members += "<m" + std::to_string(i) + " type='struct'><y type='int32'>" + std::to_string(i) + "</y></m" +
+                   std::to_string(i) + ">";
+    const VProp prop =
+        imported(root("type='struct'", members + "<m77777 type='struct'><z type='int32'>2</z></m77777>"));
+    const VPropstruct& read = prop.get<VPropstruct>();
+    ASSERT_EQ(read.size(), static_cast<std::size_t>(count));
+    EXPECT_EQ(read.front().first, "m5");
+    EXPECT_EQ(read["m5.x"].get<int>(), 1);
+    EXPECT_EQ(read["m5.y"].get<int>(), 5);
+    EXPECT_EQ(read["m77777.y"].get<int>(), 77777);
+    EXPECT_EQ(read["m77777.z"].get<int>(), 2);
+    EXPECT_EQ(read.back().first, "m" + std::to_string(count - 1));
+}
+
+TEST(PropertyXmlImport, ManyMembersOfAStructArrayMustBeThoseOfTheFirst)
+{
+    const int count = 50'000;
+    std::string members;
+    for (const char* const idx : {"1", "2"})
+        for (int i = 0; i < count; ++i)
+            members += "<m" + std::to_string(i) + " idx='" + idx + "' type='int32'>" + std::to_string(i) + "</m" +
+                       std::to_string(i) + ">";
+    const VProp prop = imported(root("type='struct' size='1 2'", members));
+    EXPECT_EQ(prop.getp("(1).m49999").get<int>(), count - 1);
+    const std::string last = "<m49999 idx='2'";
+    members.replace(members.rfind(last), last.size(), "<other idx='2'");
+    members.replace(members.rfind("</m49999"), 8, "</other");
+    expect_failure_at(root("type='struct' size='1 2'", members), "Invalid struct array!", "root.m49998");
+}
+
+TEST(PropertyXmlImport, ElementsOfTooManyAttributesFail)
+{
+    const auto with_attributes = [](int count)
+    {
+        std::string attributes = "type='int32'";
+        for (int i = 1; i < count - 1; ++i) // and the version
+            attributes += " a" + std::to_string(i) + "=''";
+        return root(attributes, "7");
+    };
+    EXPECT_EQ(imported(with_attributes(256)).get<int>(), 7);
+    EXPECT_VELA_ERROR(imported(with_attributes(257)), -1,
+                      "Error parsing XML properties:\nAn element has more than 256 attributes");
+    EXPECT_VELA_ERROR(imported(with_attributes(1'000'000)), -1,
+                      "Error parsing XML properties:\nAn element has more than 256 attributes");
+}

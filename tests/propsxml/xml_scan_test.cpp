@@ -1,4 +1,4 @@
-#include "sources/propsxml/xml_depth.h"
+#include "sources/propsxml/xml_scan.h"
 
 #include <gtest/gtest.h>
 #include <tinyxml.h>
@@ -7,6 +7,24 @@
 #include <random>
 
 namespace {
+
+constexpr std::size_t any_number = 1'000'000;
+
+ticpp::Scan scan_texts(const std::string& text, std::size_t length)
+{
+    return ticpp::scan((text + std::string(4, '\0')).c_str(), {any_number, any_number, length});
+}
+
+bool is_nested_deeper(const char* text, std::size_t levels)
+{
+    return ticpp::scan(text, {levels, any_number, any_number}).is_too_deep;
+}
+
+bool has_more_attributes(const std::string& text, std::size_t attributes)
+{
+    return ticpp::scan((text + std::string(4, '\0')).c_str(), {any_number, attributes, any_number})
+        .has_too_many_attributes;
+}
 
 /// Elements on the way to the deepest one.
 std::size_t depth_of(const TiXmlNode& node)
@@ -38,11 +56,11 @@ void expect_as_the_parser(std::string text)
     const Parsed parsed = parse(text);
     if (parsed.depth > 0)
     {
-        EXPECT_TRUE(ticpp::is_nested_deeper(text.c_str(), parsed.depth - 1)) << text;
+        EXPECT_TRUE(is_nested_deeper(text.c_str(), parsed.depth - 1)) << text;
     }
     if (parsed.is_well_formed)
     {
-        EXPECT_FALSE(ticpp::is_nested_deeper(text.c_str(), parsed.depth)) << text;
+        EXPECT_FALSE(is_nested_deeper(text.c_str(), parsed.depth)) << text;
     }
 }
 
@@ -111,14 +129,14 @@ std::string random_text(std::mt19937_64& random)
 
 }
 
-TEST(XmlDepth, CountsOpenElements)
+TEST(XmlScan, CountsOpenElements)
 {
-    EXPECT_FALSE(ticpp::is_nested_deeper("<a><b/><b></b></a>\0\0\0", 2));
-    EXPECT_TRUE(ticpp::is_nested_deeper("<a><b/><b></b></a>\0\0\0", 1));
-    EXPECT_FALSE(ticpp::is_nested_deeper("\0\0\0", 0));
+    EXPECT_FALSE(is_nested_deeper("<a><b/><b></b></a>\0\0\0", 2));
+    EXPECT_TRUE(is_nested_deeper("<a><b/><b></b></a>\0\0\0", 1));
+    EXPECT_FALSE(is_nested_deeper("\0\0\0", 0));
 }
 
-TEST(XmlDepth, IsThatOfTheParserInOddPlaces)
+TEST(XmlScan, IsThatOfTheParserInOddPlaces)
 {
     for (const char* text :
          {"<a b=\"<c><c><c>\"/>", "<a><!--<b><c>--><d/></a>", "<a><![CDATA[<b><c>]]></a>", "<a><!--><b>--></a>",
@@ -128,9 +146,34 @@ TEST(XmlDepth, IsThatOfTheParserInOddPlaces)
         expect_as_the_parser(text);
 }
 
-TEST(XmlDepth, IsNeverLessThanThatOfTheParser)
+TEST(XmlScan, IsNeverLessThanThatOfTheParser)
 {
     std::mt19937_64 random(512);
     for (int i = 0; i < 300'000 && !testing::Test::HasFailure(); ++i)
         expect_as_the_parser(random_text(random));
+}
+
+TEST(XmlScan, CountsTheAttributesOfEachElement)
+{
+    EXPECT_FALSE(has_more_attributes("<a b='1' c=\"2\" d=3><e f='' g='' h=''/></a>", 3));
+    EXPECT_TRUE(has_more_attributes("<a b='1' c=\"2\" d=3></a>", 2));
+    EXPECT_TRUE(has_more_attributes("<a><b c='' d=''/></a>", 1));
+    EXPECT_FALSE(has_more_attributes("<?xml version='' encoding='' standalone=''?><a b=''/>", 1));
+}
+
+TEST(XmlScan, FindsLongTextsOfElements)
+{
+    const std::string xml = "<a>123<b> 12345\n</b>12345</a>";
+    const std::vector<ticpp::Place> texts = scan_texts(xml, 5).long_texts;
+    ASSERT_EQ(texts.size(), 2U);
+    EXPECT_EQ(xml.substr(texts[0].begin, texts[0].end - texts[0].begin), " 12345\n");
+    EXPECT_EQ(xml.substr(texts[1].begin, texts[1].end - texts[1].begin), "12345");
+}
+
+TEST(XmlScan, TakesNoTextForLongThatTheParserChanges)
+{
+    for (const char* const xml :
+         {"<a>12&amp;345</a>", "<a>1234567\xc3\xa9</a>", "<a>\xc3<2345678</a>", "<a>         </a>",
+          "<a><!-- 1234567 --></a>", "<a><![CDATA[1234567]]></a>", "<a b='1234567'/>", "<a>1234567", "12345678<a/>"})
+        EXPECT_TRUE(scan_texts(xml, 5).long_texts.empty()) << xml;
 }

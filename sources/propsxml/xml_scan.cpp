@@ -2,10 +2,11 @@
 // with the first "-->", a declaration or any other "<!" and "<?" with the first ">" outside of what it takes for an
 // attribute, and in text and in quotes a character of several bytes is skipped whole, whatever follows its first byte.
 
-#include "sources/propsxml/xml_depth.h"
+#include "sources/propsxml/xml_scan.h"
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace ticpp {
 
@@ -54,18 +55,35 @@ bool begins_with_letters(const char* text, const char* word)
     return true;
 }
 
+/// Whether the parser takes these bytes over as they stand.
+bool is_plain(const char* text, const char* end)
+{
+    constexpr std::uint64_t highest_bits = 0x8080808080808080;
+    std::uint64_t bits = 0;
+    const auto length = static_cast<std::size_t>(end - text);
+    std::size_t i = 0;
+    for (std::uint64_t eight = 0; i + sizeof eight <= length; i += sizeof eight)
+    {
+        std::memcpy(&eight, text + i, sizeof eight);
+        bits |= eight & highest_bits;
+    }
+    for (; i < length; ++i)
+        bits |= static_cast<std::uint8_t>(text[i]) & highest_bits;
+    return bits == 0 && std::memchr(text, '&', length) == nullptr;
+}
+
 /// A cursor on the text. Its steps give false where the parser gives up.
-class Scan
+class Scanner
 {
 public:
-    Scan(const char* text, std::size_t most_levels) : p(text), levels(most_levels) {}
+    Scanner(const char* text, const ScanLimits& scan_limits) : begin(text), p(text), limits(scan_limits) {}
 
-    bool is_too_deep()
+    Scan scan()
     {
         while (skip_text() && skip_markup())
         {
         }
-        return depth > levels;
+        return std::move(result);
     }
 
 private:
@@ -104,10 +122,22 @@ private:
     /// Between elements there is text; outside of them the parser gives up where there is any.
     bool skip_text()
     {
+        const char* const start = p;
         skip_space();
         if (*p == '<')
             return true;
-        return depth > 0 && skip_characters('<');
+        return depth > 0 && (skip_long_text(start) || skip_characters('<'));
+    }
+
+    /// False, without a step, where the text from `start` to the next "<" is none.
+    bool skip_long_text(const char* start)
+    {
+        const char* const end = std::strchr(p, '<');
+        if (end == nullptr || static_cast<std::size_t>(end - start) < limits.text || !is_plain(start, end))
+            return false;
+        result.long_texts.push_back({static_cast<std::size_t>(start - begin), static_cast<std::size_t>(end - begin)});
+        p = end;
+        return true;
     }
 
     bool skip_markup()
@@ -156,8 +186,12 @@ private:
     {
         ++p;
         skip_name();
-        if (++depth > levels)
+        if (++depth > limits.levels)
+        {
+            result.is_too_deep = true;
             return false;
+        }
+        std::size_t attributes = 0;
         for (skip_space(); *p != '\0'; skip_space())
         {
             if (*p == '>')
@@ -170,7 +204,8 @@ private:
                 --depth;
                 return *++p == '>' && *++p != '\0';
             }
-            if (!skip_attribute())
+            result.has_too_many_attributes = ++attributes > limits.attributes;
+            if (result.has_too_many_attributes || !skip_attribute())
                 return false;
         }
         return false;
@@ -200,16 +235,18 @@ private:
         return *p != '\0' && *p != '"' && *p != '\'';
     }
 
+    const char* begin;
     const char* p;
-    std::size_t levels;
+    ScanLimits limits;
     std::size_t depth = 0;
+    Scan result;
 };
 
 }
 
-bool is_nested_deeper(const char* text, std::size_t levels)
+Scan scan(const char* text, const ScanLimits& limits)
 {
-    return Scan(text, levels).is_too_deep();
+    return Scanner(text, limits).scan();
 }
 
 }
