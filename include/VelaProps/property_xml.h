@@ -55,7 +55,7 @@
 /// @throws VelaError id -1 "Property tree nested deeper than 512 levels!": elements would lie deeper, that of LVData and
 ///         those of strings in arrays included
 /// @throws VelaError id -1 "Error writing XML properties to string:\n%s": any other failure; in format 3, that the value
-///         has no text, as structs, cell arrays, empty values, empty strings and empty arrays
+///         has no text, as structs, cell arrays, arrays of strings and empty values
 /// @throws VelaError as `VProparrayBase::get_size`, for an array whose sizes do not fit
 VELA_API void vela_export_xml(std::string& xml, const VProp& prop, int format);
 

@@ -112,8 +112,7 @@ void Element::set_attribute(const std::string& name, const std::string& value)
 
 void Element::set_text(const std::string& text)
 {
-    if (!text.empty())
-        element->LinkEndChild(new TiXmlText(text));
+    element->LinkEndChild(new TiXmlText(text));
 }
 
 std::string Element::get_text() const

@@ -33,7 +33,7 @@ public:
     void set_name(const std::string& name);
     /// Puts it behind the others, or replaces the one of that name.
     void set_attribute(const std::string& name, const std::string& value);
-    /// An empty text leaves the element without one.
+    /// Also an empty text makes the element one with a text: it is printed with an end tag.
     void set_text(const std::string& text);
     /// @throws Exception "Text does not exists in the current element"
     std::string get_text() const;
