@@ -28,7 +28,8 @@
 ///
 /// Keys become names of elements as they stand: only those that a path can name are sure to read again.
 /// White space that is all the text of an element is lost to every XML reader of this kind: a string of blanks
-/// comes back as that many NULs.
+/// comes back as that many NULs. So do the characters U+FEFF, U+FFFE and U+FFFF where there is nothing else, and
+/// units that UTF-8 cannot hold, behind the others.
 #pragma once
 
 #include <VelaBase/export.h>
@@ -72,7 +73,10 @@ VELA_API void vela_export_xml(std::string& xml, const VProp& prop, int format);
 /// Numbers are read up to the first that is none: a scalar that cannot be read stays as it was, or is 0, without a
 /// failure. A string that is shorter than its `size` is filled up with NUL. What elements promise without
 /// bringing it, such NULs and structs without members, is believed up to 65536 beyond the bytes of the text for
-/// each element, and up to 8388608 beyond them for all together.
+/// each element, and up to 8388608 beyond them for all together. Attributes that cannot be read count as missing,
+/// but for `idx` and `size`.
+///
+/// Names are paths. Those with a "." in them, which nobody writes, are read up to 8192 times.
 ///
 /// Two older forms are read too: a "cell" with `ischar` not 0 is an array of strings, and an element of `type`
 /// "complex" has two children of the same kind of number, the real and the imaginary part.
@@ -94,8 +98,10 @@ VELA_API void vela_export_xml(std::string& xml, const VProp& prop, int format);
 /// - VelaError id -1 "Unknown type '%s' in xml string!": `type` is missing, no name of a type, or "none"
 /// - VelaError id -1 "Invalid struct array!": members cannot be shared out evenly, stand in the wrong order, or are
 ///   not those of the first struct
-/// - VelaError id -1 "Invalid size set!": there are more or fewer elements than `size` says, or too many are promised
-/// - VelaError id -1 "Malformed 'complex' element!": not two children, or one has more elements than the other
+/// - VelaError id -1 "Invalid size set!": there are more or fewer elements than `size` says, too many are promised, or it
+///   does not begin with a number
+/// - VelaError id -1 "Too many paths for names in xml string!": there are more than 8192 names with a "." in them
+/// - VelaError id -1 "Malformed 'complex' element!": fewer than two children, or one has more elements than the other
 /// - VelaError id -1 "Real and imaginary part have different types in 'complex' element!"
 /// - VelaError id -1 "Invalid type in 'complex' element!": the parts are no plain numbers
 /// - "Text does not exists in the current element", without a place: a number without a text

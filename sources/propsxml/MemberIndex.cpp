@@ -25,5 +25,6 @@ bool MemberIndex::has_key(const std::string& key)
 void MemberIndex::add_new_members()
 {
     for (; indexed_count < members.size(); ++indexed_count)
-        places.try_emplace(members.at(indexed_count).first, indexed_count); // the first of two equal keys hides the other
+        places.try_emplace(members.at(indexed_count).first,
+                           indexed_count); // the first of two equal keys hides the other
 }

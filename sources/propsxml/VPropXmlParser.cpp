@@ -16,6 +16,13 @@ namespace {
 
 constexpr std::size_t promised_beyond_bytes_by_one = 65536;
 constexpr std::size_t promised_beyond_bytes = 8388608;
+/// Each member that a walk makes moves all others of its struct.
+constexpr std::size_t most_paths = 8192;
+
+[[noreturn]] void throw_invalid_size()
+{
+    throw VelaError("VPropXmlParser::import_xml", __FILE__, __LINE__)("Invalid size set!")(-1);
+}
 
 [[noreturn]] void throw_invalid_struct_array()
 {
@@ -42,7 +49,7 @@ void set_strict(VProparrayBase& array, const std::vector<std::size_t>& sizes)
 
 VPropXmlParser::VPropXmlParser(int document_format, int document_version, std::size_t bytes)
     : format(document_format), version(document_version), most_promised_by_one(bytes + promised_beyond_bytes_by_one),
-      promises_left(bytes + promised_beyond_bytes)
+      promises_left(bytes + promised_beyond_bytes), paths_left(most_paths)
 {
 }
 
@@ -88,7 +95,20 @@ VPropXmlParser::Sizes VPropXmlParser::read_sizes(const ticpp::Node& node) const
         return {1, 1};
     std::vector<std::uint64_t> sizes;
     read_elements(*text, sizes);
+    if (sizes.empty())
+        throw_invalid_size();
     return {sizes.begin(), sizes.end()};
+}
+
+/// 0, which is no index, if it cannot be read.
+std::uint64_t VPropXmlParser::read_index(const ticpp::Node& node) const
+{
+    std::uint64_t index = 0;
+    const std::string* const text = node.attribute("idx");
+    if (text == nullptr)
+        return 1;
+    read_value(*text, index);
+    return index;
 }
 
 /// An attribute that cannot be read counts as missing.
@@ -166,7 +186,16 @@ void VPropXmlParser::read_members(const ticpp::Node& node, VPropstruct& members)
     vela_prop_reserve(members, members.size() + node.count_children() + 1);
     MemberIndex index(members);
     for (ticpp::Node child = node.first_child(); child; child = child.next_sibling())
-        import_xml(child, index.get(child.name()));
+        import_xml(child, get_member(index, child.name()));
+}
+
+/// The member that an element is called after: a path, which nobody writes, if there is a "." in it.
+VProp& VPropXmlParser::get_member(MemberIndex& members, const std::string& name)
+{
+    if (name.find('.') != std::string::npos && paths_left-- == 0)
+        throw VelaError("VPropXmlParser::import_xml", __FILE__,
+                        __LINE__)("Too many paths for names in xml string!")(-1);
+    return members.get(name);
 }
 
 void VPropXmlParser::read_strings(const ticpp::Node& node, VProparray<VPropstring>& strings)
@@ -214,16 +243,17 @@ void VPropXmlParser::read_structs(const ticpp::Node& node, const Sizes& sizes, V
 ticpp::Node VPropXmlParser::read_struct(ticpp::Node child, std::size_t index, std::size_t count_members,
                                         MemberIndex& first, VPropstruct& members)
 {
-    vela_prop_reserve(members, count_members + 1);
+    if (count_members > 0) // otherwise promised structs would take room that nothing fills
+        vela_prop_reserve(members, count_members + 1);
     MemberIndex read(members);
     for (std::size_t i = 0; i < count_members; ++i, child = child.next_sibling())
     {
         const std::string name = child.name();
-        if (attribute_or<std::uint64_t>(child, "idx", 1) != index + 1)
+        if (read_index(child) != index + 1)
             throw_invalid_struct_array();
         if (index > 0 && !first.has_key(name))
             throw_invalid_struct_array();
-        import_xml(child, read.get(name));
+        import_xml(child, get_member(read, name));
     }
     return child;
 }
@@ -232,7 +262,7 @@ ticpp::Node VPropXmlParser::read_struct(ticpp::Node child, std::size_t index, st
 void VPropXmlParser::believe(std::size_t promised)
 {
     if (promised > most_promised_by_one || promised > promises_left)
-        throw VelaError("VPropXmlParser::import_xml", __FILE__, __LINE__)("Invalid size set!")(-1);
+        throw_invalid_size();
     promises_left -= promised;
 }
 

@@ -7,6 +7,7 @@
 #include <VelaProps/VPropstruct.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,7 @@ private:
     using Sizes = std::vector<std::size_t>;
 
     Sizes read_sizes(const ticpp::Node& node) const;
+    std::uint64_t read_index(const ticpp::Node& node) const;
     template <class T>
     T attribute_or(const ticpp::Node& node, const char* name, T value) const;
     bool read_scalar(const ticpp::Node& node, vela_dt id, const Sizes& sizes, VProp& out);
@@ -49,6 +51,7 @@ private:
     void read_structs(const ticpp::Node& node, const Sizes& sizes, VProparray<VPropstruct>& structs);
     ticpp::Node read_struct(ticpp::Node child, std::size_t index, std::size_t count_members, MemberIndex& first,
                             VPropstruct& members);
+    VProp& get_member(MemberIndex& members, const std::string& name);
     void believe(std::size_t promised);
 
     ticpp::Node cur_node; ///< the element that was begun last
@@ -56,4 +59,5 @@ private:
     int version;
     std::size_t most_promised_by_one; ///< entries that an element says it has, without bringing them
     std::size_t promises_left;        ///< for all of them
+    std::size_t paths_left;           ///< for all names of members
 };

@@ -7,6 +7,8 @@
 #include <VelaBase/VelaError.h>
 #include <VelaProps/property_xml.h>
 
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -63,11 +65,16 @@ struct Top
     int version = schema_version;
 };
 
-int read_version(const ticpp::Node& node)
+/// -1 without one.
+std::int64_t read_version(const ticpp::Node& node)
 {
-    int version = -1;
-    if (const std::string* const text = node.attribute("vprop_version"))
-        VPropValueCodec().read_value(*text, version);
+    constexpr std::int64_t newest = std::numeric_limits<std::int64_t>::max();
+    const VPropValueCodec codec;
+    const std::string* const text = node.attribute("vprop_version");
+    std::int64_t version = -1;
+    double large = 0;
+    if (text && !codec.read_value(*text, version) && codec.read_value(*text, large) && large > 1)
+        return newest; // a number that is larger than any integer
     return version;
 }
 
@@ -81,11 +88,11 @@ ticpp::Node need(const ticpp::Node& node)
 /// The form that the document itself says it has; `detect` if it says nothing.
 Top recognise(const ticpp::Node& first)
 {
-    const int version = read_version(first);
+    const std::int64_t version = read_version(first);
     if (version > schema_version)
         throw VelaError("vela_import_xml", __FILE__, __LINE__)("Xml input of newer version than library!")(-1);
     if (version > 0)
-        return {first, native, version};
+        return {first, native, schema_version};
     const std::string* const older_version = first.attribute("xml_tb_version");
     if (older_version != nullptr && !older_version->empty())
         return {first, native};

@@ -1,6 +1,7 @@
 // Goes through the text as the parser does, and in its words: an attribute may stand without quotes, a comment ends
 // with the first "-->", a declaration or any other "<!" and "<?" with the first ">" outside of what it takes for an
-// attribute, and in text and in quotes a character of several bytes is skipped whole, whatever follows its first byte.
+// attribute. In text and in quotes a character of several bytes is skipped whole, whatever follows its first byte,
+// and a reference to a character by its number reaches to the next ";", over markup and quotes.
 
 #include "sources/propsxml/xml_scan.h"
 
@@ -26,6 +27,11 @@ bool is_letter(char c)
 bool continues_name(char c)
 {
     return is_letter(c) || (c >= '0' && c <= '9') || c == '_' || c == '-' || c == '.' || c == ':';
+}
+
+bool is_digit(char c, bool is_hexadecimal)
+{
+    return (c >= '0' && c <= '9') || (is_hexadecimal && ((c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')));
 }
 
 std::size_t character_length(char c)
@@ -111,12 +117,34 @@ private:
         return skip_past(end);
     }
 
-    /// To the next `stop`, as text with characters of several bytes.
+    /// To the next `stop`, as text with characters of several bytes, and with references that may swallow it.
     bool skip_characters(char stop)
     {
         while (*p != '\0' && *p != stop)
-            p += character_length(*p);
+        {
+            if (p[0] != '&' || p[1] != '#' || p[2] == '\0')
+                p += character_length(*p);
+            else if (!skip_numeric_reference())
+                return false;
+        }
         return *p != '\0';
+    }
+
+    /// The parser goes to the next ";", whatever lies between, and from there back over digits to the "x" or "#".
+    bool skip_numeric_reference()
+    {
+        const bool is_hexadecimal = p[2] == 'x';
+        const char* const first_digit = p + (is_hexadecimal ? 3 : 2);
+        const char* const end = *first_digit == '\0' ? nullptr : std::strchr(first_digit, ';');
+        if (end == nullptr)
+            return false;
+        const char* digit = end - 1;
+        while (is_digit(*digit, is_hexadecimal))
+            --digit;
+        if (*digit != (is_hexadecimal ? 'x' : '#'))
+            return false;
+        p = end + 1;
+        return true;
     }
 
     /// Between elements there is text; outside of them the parser gives up where there is any.

@@ -101,6 +101,11 @@ std::string random_text(std::mt19937_64& random)
                                          "]]",
                                          "&lt;",
                                          "&#x41;",
+                                         "&#60;",
+                                         "&#",
+                                         "&#x",
+                                         "&;",
+                                         ";",
                                          "&",
                                          "\xc3",
                                          "\xc3\xa9",
@@ -138,11 +143,28 @@ TEST(XmlScan, CountsOpenElements)
 
 TEST(XmlScan, IsThatOfTheParserInOddPlaces)
 {
-    for (const char* text :
-         {"<a b=\"<c><c><c>\"/>", "<a><!--<b><c>--><d/></a>", "<a><![CDATA[<b><c>]]></a>", "<a><!--><b>--></a>",
-          "</x><a><b/></a>", "<a>\xf0<b></a>", "<a b=\"\xc3\"c=\"><b><b/></b></a>", "<?xml version='>'?><a/>",
-          "<?xml VERSION='><a><a>'?><a/>", "<a><?b <c>?></a>", "<a b=c<d><e/></a>", "<a>x<b>y</b>z</a>",
-          "<!DOCTYPE a><a/>", "text<a/>", "<a><b c='>'/><b c='/>'></b></a>", "<1><a/>", "\xef\xbb\xbf<a/>"})
+    for (const char* text : {"<a b=\"<c><c><c>\"/>",
+                             "<a><!--<b><c>--><d/></a>",
+                             "<a><![CDATA[<b><c>]]></a>",
+                             "<a><!--><b>--></a>",
+                             "</x><a><b/></a>",
+                             "<a>\xf0<b></a>",
+                             "<a b=\"\xc3\"c=\"><b><b/></b></a>",
+                             "<?xml version='>'?><a/>",
+                             "<?xml VERSION='><a><a>'?><a/>",
+                             "<a><?b <c>?></a>",
+                             "<a b=c<d><e/></a>",
+                             "<a>x<b>y</b>z</a>",
+                             "<!DOCTYPE a><a/>",
+                             "text<a/>",
+                             "<a><b c='>'/><b c='/>'></b></a>",
+                             "<1><a/>",
+                             "\xef\xbb\xbf<a/>",
+                             "<a>&#x<!--&#x3c;<b><b/></b></a>",
+                             "<a b=\"&#x\"><!--&#x3c;\"><b/></a>",
+                             "<a>&#x<b><b><b>x41;</a>",
+                             "<a>&#<b>#65;</a>",
+                             "<a>&#x<b></a>"})
         expect_as_the_parser(text);
 }
 
