@@ -27,7 +27,8 @@ struct Reference
 
 constexpr Reference references[] = {{"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"apos", '\''}, {"quot", '"'}};
 
-/// One letter more of a keyword, of which `position` letters have been read. False, and back to 0, if it is no such letter.
+/// One letter more of a keyword, of which `position` letters have been read. False, and back to 0, if it is no such
+/// letter.
 bool advance(int& position, const char* letters, char c)
 {
     const bool next = letters[position] != 0 && letters[position] == c;

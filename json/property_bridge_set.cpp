@@ -194,7 +194,7 @@ private:
         const T converted = detail::convert<T>(value);
         if (std::as_const(property).get<T>() == converted)
             return false;
-        property.get<T>() = converted;
+        property = converted;
         return true;
     }
 

@@ -106,7 +106,8 @@ struct PlaneChange
             });
     }
 
-    /// The others: by the rule `rule_of(history)`, the numbers of which are refused from `first_failing(begin, end)` on.
+    /// The others: by the rule `rule_of(history)`, the numbers of which are refused from `first_failing(begin, end)`
+    /// on.
     template <class RuleOf, class FirstFailing>
     void absent(Collection<Record>& planes, RuleOf rule_of, FirstFailing first_failing) const
     {

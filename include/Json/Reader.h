@@ -16,9 +16,9 @@ VELA_ABI_NAMESPACE_BEGIN
 ///
 /// Beyond strict JSON it accepts raw control characters in strings, and numbers with leading zeros, several
 /// signs or a trailing part: a number without "." is read as an integer up to the first character that
-/// none has, so "1e5" and "1-2" are 1; one with "." is read as a decimal in the same way, and "1.0e-999" is 0. It refuses
-/// "\u" in strings, a second "." in a number, an exponent without digits as in "1.5e", numbers too large for their
-/// type, and a trailing comma. Nesting has no limit but memory.
+/// none has, so "1e5" and "1-2" are 1; one with "." is read as a decimal in the same way, and "1.0e-999" is 0. It
+/// refuses "\u" in strings, a second "." in a number, an exponent without digits as in "1.5e", numbers too large for
+/// their type, and a trailing comma. Nesting has no limit but memory.
 class VELA_API Reader
 {
 public:

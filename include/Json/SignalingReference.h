@@ -207,8 +207,8 @@ public:
     /// into that is not reported. A text outside the table of an enumeration has all bits set.
     ///
     /// Reading a null text or enumeration, or comparing it with a text, leaves "" in the slot for good. Where the check
-    /// refuses "", no field of that type can be bound to the slot any more, nor to a copy of it: `std::bad_cast`. So ask
-    /// `is_null` first.
+    /// refuses "", no field of that type can be bound to the slot any more, nor to a copy of it: `std::bad_cast`. So
+    /// ask `is_null` first.
     /// @throws std::bad_cast "bad cast": null, where the type is `bool` or a number
     decltype(auto) get() const { return detail::Access<type>::read(slot()); }
     operator decltype(detail::Access<type>::read(std::declval<Value&>()))() const { return get(); }

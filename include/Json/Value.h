@@ -165,8 +165,8 @@ struct VELA_API Value
     std::string& as_string();
     /// Null becomes the empty object.
     Object& as_object();
-    /// Null becomes the empty list, and any other kind a list of one element, the old value. Never throws `std::bad_cast`.
-    /// A list that still waits for its source is filled whole.
+    /// Null becomes the empty list, and any other kind a list of one element, the old value. Never throws
+    /// `std::bad_cast`. A list that still waits for its source is filled whole.
     List& as_list();
     /// @}
 

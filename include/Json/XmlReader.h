@@ -57,7 +57,8 @@ public:
     /// Takes characters until one completes the document, which is the end tag of a root element (true), or
     /// the stream has no more (false).
     ///
-    /// @throws Json::XmlReader::Unexpected as above; the target keeps what was read, and the reader is of no further use.
+    /// @throws Json::XmlReader::Unexpected as above; the target keeps what was read, and the reader is of no further
+    ///         use.
     bool read(std::istream& in);
 
     /// The same over a buffer: `p` advances, to behind the character that completed the document, or to `end`.

@@ -40,17 +40,20 @@ VELA_API Value get_value(const VProp& property);
 /// The object of a structure, as `get_value` gives it; an empty one for any other property.
 VELA_API Map<std::string, Value> get_parameters(const VProp& property);
 
-/// Writes a value into a property, which keeps its type. Containers that are shared are detached first.
+/// Writes a value into a property, which keeps its type. Containers that are shared are detached first, whether
+/// something in them changes or not; attachments of their members stay with the other holders then. A boolean, number
+/// or string is assigned: the property keeps its attachment, but no lock.
 ///
 /// - A boolean goes into a boolean, a string into a string.
 /// - An integer goes into any integer that can hold it, and into a decimal, which may round it.
 /// - A decimal goes into a decimal, which may round it, and into any integer that can hold it, if it has no fraction.
 /// - A list goes into an array of the same shape, element by element; into an array without elements any list goes, and
 ///   nothing is set.
-/// - An object goes into a structure, each entry into the member with its name (the first one of two). Other members stay.
+/// - An object goes into a structure, each entry into the member with its name (the first one of two). Other members
+///   stay.
 ///
-/// True where the property is no array or structure and got another value. An equal value is not written. For arrays and
-/// structures the answer is always false, whatever changed in them: this is wanted.
+/// True where the property is no array or structure and got another value. An equal value is not written. For arrays
+/// and structures the answer is always false, whatever changed in them: this is wanted.
 ///
 /// What failed in a member is told from the outside in, a line for each member:
 ///
@@ -60,7 +63,8 @@ VELA_API Map<std::string, Value> get_parameters(const VProp& property);
 ///
 /// What has been written when something fails stays.
 ///
-/// @throws std::invalid_argument "Property has %s type": the property does not take a value of this kind, or not this one
+/// @throws std::invalid_argument "Property has %s type": the property does not take a value of this kind, or not this
+///         one
 /// @throws std::invalid_argument "No property '%s'": an entry for which the structure has no member
 /// @throws std::invalid_argument "Invalid argument for property '%s'\n%s": one of these two, in a member
 /// @throws VelaError id -1 "Invalid size vector in property array!": an array whose sizes do not fit its elements

@@ -41,8 +41,8 @@ public:
     ///
     /// @throws VelaError id -1 "File already open or attached!"
     /// @throws VelaError id -1 "Invalid file mode when opening file."
-    /// @throws VelaError id -1 "Could not open file!", without a system text. A file that is in use elsewhere fails so too,
-    ///         and is not cut.
+    /// @throws VelaError id -1 "Could not open file!", without a system text. A file that is in use elsewhere fails so
+    ///         too, and is not cut.
     void open(const VPropstring& path, mode open_mode);
 
     /// Closes the file. Quiet when nothing is open. Afterwards `get_mode()` is -1.
@@ -80,7 +80,8 @@ public:
     /// Writes in one transfer; what is said of `read` holds here too.
     ///
     /// @throws VelaError id -1 "File not open!"
-    /// @throws VelaError id -3 "Failed writing %d bytes to file!" on the low 32 bits of the size, with the system's text
+    /// @throws VelaError id -3 "Failed writing %d bytes to file!" on the low 32 bits of the size, with the system's
+    ///         text
     void write(const void* buffer, std::uint64_t size_bytes) override;
 
     /// Closes what `open` opened. Never throws.

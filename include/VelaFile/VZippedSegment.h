@@ -115,8 +115,10 @@ public:
     /// @throws VelaError id -1 "File not open!": not initialised, or the file was closed.
     /// @throws VelaError id -1 "Trying to read beyond segment boundary!": by the declared size, or a compressed stretch
     ///         ends before `count` bytes came. A stored stretch is bounded by its declared size alone.
-    /// @throws VelaError id -3 "Failed reading %d bytes from file!": the file ends inside the stretch, or the system failed.
-    /// @throws VelaError id -10 "Inconsistency in segment!": the stream ended early, or other than 0 or 4 bytes follow it.
+    /// @throws VelaError id -3 "Failed reading %d bytes from file!": the file ends inside the stretch, or the system
+    ///         failed.
+    /// @throws VelaError id -10 "Inconsistency in segment!": the stream ended early, or other than 0 or 4 bytes follow
+    ///         it.
     /// @throws VelaError id -10 "Zip error (%d)!" on zlib's code.
     void read(void* dest, std::uint64_t count) override;
 
@@ -125,7 +127,8 @@ public:
     /// @throws VelaError id -1 "Trying to write to file in read mode!", also when never initialised for writing
     /// @throws VelaError id -1 "File not open!": the file was closed, or `end()` was called.
     /// @throws VelaError id -1 "Trying to write beyond segment boundary!"
-    /// @throws VelaError id -1 "Zlib cannot handle chunks larger than 4GB": `count` is above 0xFFFFFFFF, compressed only.
+    /// @throws VelaError id -1 "Zlib cannot handle chunks larger than 4GB": `count` is above 0xFFFFFFFF, compressed
+    ///         only.
     /// @throws VelaError id -3 "Failed writing %d bytes to file!"
     /// @throws VelaError id -10 "Zip error (id: %d)!" on zlib's code, as for a level above 9.
     void write(const void* data, std::uint64_t count) override;

@@ -96,9 +96,11 @@ static_assert(std::is_signed_v<char>, "\"int8\" is plain char, which has to be s
 /// The count of those who share is a plain number: a value, and all that share with it, belong to one thread at a time.
 ///
 /// References to members and elements are good until their struct or array grows. So a member that is copied to a new
-/// one needs a copy first: `p["b"] = VProp(p["a"])`. No value may be put into itself, as in `p["a"] = p`: `VProp(p)` may.
+/// one needs a copy first: `p["b"] = VProp(p["a"])`. No value may be put into itself, as in `p["a"] = p`: `VProp(p)`
+/// may.
 ///
-/// Trees may be of any depth: copying, comparing and destroying them do not recurse.
+/// Trees may be of any depth: copying, comparing and destroying them do not recurse. Comparing, visiting and writing
+/// a tree takes time for every path through it: a container that is shared by many members is met as often.
 class VELA_API VProp
 {
 public:
@@ -156,8 +158,8 @@ public:
     virtual void* value_ptr();
 
     /// The held value. Nothing is converted: `vela_prop_cast` does that.
-    /// @throws VelaError id -1 "Type mismatch: found %s%s, expected %s%s": it is not exactly of type `T`; the names are those
-    ///         of `vela_dt_get_name`, with "[]" behind those of arrays
+    /// @throws VelaError id -1 "Type mismatch: found %s%s, expected %s%s": it is not exactly of type `T`; the names are
+    ///         those of `vela_dt_get_name`, with "[]" behind those of arrays
     template <class T>
     const T& get() const;
     /// The same for writing: a shared container is detached first, even if the type does not match.
@@ -199,8 +201,8 @@ public:
     void clear() noexcept;
 
     /// Values are equal if their types are the same and
-    /// - numbers, colours and booleans are equal: a NaN is unequal to itself, so a value that holds one may be unequal to
-    ///   its copy;
+    /// - numbers, colours and booleans are equal: a NaN is unequal to itself, so a value that holds one may be unequal
+    ///   to its copy;
     /// - texts have the same wide characters;
     /// - structs have equal members under the same keys in the same order;
     /// - arrays have as many elements, equal in linear order; their sizes and flags do not count.
@@ -225,7 +227,8 @@ public:
     /// @}
 
     /// @name Elements of cell arrays and of struct arrays, by position as in `VProparrayBase::val2pos`
-    /// An empty value becomes such an array, and arrays grow, as in `VProparrayBase::get_idx`; not in the constant forms.
+    /// An empty value becomes such an array, and arrays grow, as in `VProparrayBase::get_idx`; not in the constant
+    /// forms.
     /// @{
     VProp& operator()(std::size_t a, std::size_t b = VProparrayBase::absent, std::size_t c = VProparrayBase::absent,
                       std::size_t d = VProparrayBase::absent);

@@ -70,7 +70,8 @@ public:
     /// A level is gone down for each element of a cell array or struct array, and for the members of a struct, which
     /// have the keys of that level one after the other. The strings of an array have no level, only `string_idx`.
     ///
-    /// @throws VelaError id -1 "Invalid return value from visit()!": a visit of a value gave something else than 0, 1, 2
+    /// @throws VelaError id -1 "Invalid return value from visit()!": a visit of a value gave something else than 0, 1,
+    ///         2
     bool process(const VProp& prop);
 
     /// The place as a path, of at most `depth` levels, to show it: the members of a struct array's element are

@@ -37,7 +37,8 @@ VELA_API void vela_prop_reserve(std::vector<std::pair<std::string, VProp>>& v, s
 /// p0 + p1 * s0 + p2 * s0 * s1 + ... All indices are counted from 0. A row of n elements has the sizes (1, n);
 /// sizes of rank 1 are legal too.
 ///
-/// The elements lie in a vector that anybody may lengthen, so the sizes may be out of date: `get_size` mends its answer.
+/// The elements lie in a vector that anybody may lengthen, so the sizes may be out of date: `get_size` mends its
+/// answer.
 ///
 /// An array has no destructor in its table: destroy it as what it is.
 ///
@@ -69,7 +70,8 @@ public:
     /// The shape. Without `check` the sizes as they were set; with it, as they fit the count of elements: a row
     /// becomes as long as there are elements, and so do sizes of rank 1. Where no sizes were set, a row, or (0, 0)
     /// without elements. Nothing is stored.
-    /// @throws VelaError id -1 "Invalid size vector in property array!": `check`, and the shape is no row and does not fit
+    /// @throws VelaError id -1 "Invalid size vector in property array!": `check`, and the shape is no row and does not
+    ///         fit
     std::vector<std::size_t> get_size(bool check) const;
 
     /// The number of dimensions of `get_size(true)`, which may throw.
@@ -77,8 +79,8 @@ public:
 
     /// Sets the shape. Elements keep their linear positions, so old elements stay in their cells only if nothing but
     /// the last size grows.
-    /// @throws VelaError id -1 "Invalid size set!": `set_strict`, and there are not as many elements; or, whatever the mode,
-    ///         the product of the sizes is beyond what can be counted
+    /// @throws VelaError id -1 "Invalid size set!": `set_strict`, and there are not as many elements; or, whatever the
+    ///         mode, the product of the sizes is beyond what can be counted
     void set_size(const std::vector<std::size_t>& sizes, set_mode mode);
     /// The same with `val2size(a, b, c, d)`.
     void set_size(std::size_t a, std::size_t b, std::size_t c, std::size_t d, set_mode mode);
@@ -88,8 +90,8 @@ public:
     /// With `grow`, an array without elements takes the shape that the position needs, and any other grows along its
     /// last dimension if the position lies behind it.
     ///
-    /// @throws VelaError id -1 "Input rank '%d' too high (> '%d')!": more coordinates than dimensions, without `grow`. The
-    ///         first number is the rank of the array, the second that of the position: this order is wanted.
+    /// @throws VelaError id -1 "Input rank '%d' too high (> '%d')!": more coordinates than dimensions, without `grow`.
+    ///         The first number is the rank of the array, the second that of the position: this order is wanted.
     /// @throws VelaError id -1 "Input rank '%d' too low (< '%d')!": fewer, with the same numbers
     /// @throws VelaError id -1 "Index %d out of bounds! (%d >= %d)!": dimension, coordinate, size
     /// @throws VelaError id -1 "Invalid size vector in property array!": as `get_size`

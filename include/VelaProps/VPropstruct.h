@@ -10,9 +10,9 @@
 /// Indices count from 0. A single one is the place in a row, (0, i); several name every dimension. An index without
 /// digits is 0. A "." at the end is ignored.
 ///
-/// Walks that create make missing members, as empty values; the struct, cell array or struct array itself in a value that
-/// is still empty; and elements, as `VProparrayBase::get_idx` grows. A value of another type is never replaced. What a
-/// walk that fails has made, stays.
+/// Walks that create make missing members, as empty values; the struct, cell array or struct array itself in a value
+/// that is still empty; and elements, as `VProparrayBase::get_idx` grows. A value of another type is never replaced.
+/// What a walk that fails has made, stays.
 ///
 /// Walks detach (`VProp::own`) every shared container on their way, also those that only read and those through a
 /// constant value: what they give must not reach into a container that is shared.
@@ -42,8 +42,8 @@
 /// Named values, in the order in which they came.
 ///
 /// A vector of key and value. Keys are compared byte for byte; the first of two equal ones, which only the interface of
-/// the vector can make, hides the other. References to members are good until one is added. Looking for a key takes time for every member before it. Never let the vector
-/// grow by itself: see `vela_prop_reserve`.
+/// the vector can make, hides the other. References to members are good until one is added. Looking for a key takes
+/// time for every member before it. Never let the vector grow by itself: see `vela_prop_reserve`.
 class VELA_API VPropstruct : public std::vector<std::pair<std::string, VProp>>
 {
 public:
@@ -91,5 +91,6 @@ extern template class VProp::holder<VProparray<VPropstruct>>;
 /// Whether a member can be called so in a path: a letter or "_" first, then letters, digits, "_" and "-". ASCII alone.
 VELA_API bool vela_prop_is_valid_name(const std::string& name);
 
-/// Whether a walk along `path` that creates succeeds from an empty value, and ends in one that takes a number.
+/// Whether a walk along `path` that creates succeeds from an empty value, and ends in one that takes a number. The
+/// memory that its indices ask for does not matter: nothing is made.
 VELA_API bool vela_prop_is_valid_path(const std::string& path);

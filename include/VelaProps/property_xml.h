@@ -22,7 +22,8 @@
 /// | cell array | "cell" | an element for each value, named "item" |
 /// | struct array | "struct" | the members of all structs side by side; `idx` says whose they are |
 ///
-/// Text of a value: integers and booleans are decimal. Floating-point numbers are as a stream with precision 20 prints them:
+/// Text of a value: integers and booleans are decimal. Floating-point numbers are as a stream with precision 20 prints
+/// them:
 /// 1.5 is "1.5", 0.1 is "0.10000000000000000555"; those that are not finite are "Inf", "-Inf" and "NaN". A
 /// complex number is "(1.5,-2)". Neither the locale nor the time zone matters.
 ///
@@ -53,10 +54,10 @@
 /// After a failure `xml` is as it was.
 ///
 /// @throws VelaError id -1 "Type unknown or incompatible with xml export!": the tree holds a colour
-/// @throws VelaError id -1 "Property tree nested deeper than 512 levels!": elements would lie deeper, that of LVData and
-///         those of strings in arrays included
-/// @throws VelaError id -1 "Error writing XML properties to string:\n%s": any other failure; in format 3, that the value
-///         has no text, as structs, cell arrays, arrays of strings and empty values
+/// @throws VelaError id -1 "Property tree nested deeper than 512 levels!": elements would lie deeper, that of LVData
+///         and those of strings in arrays included
+/// @throws VelaError id -1 "Error writing XML properties to string:\n%s": any other failure; in format 3, that the
+///         value has no text, as structs, cell arrays, arrays of strings and empty values
 /// @throws VelaError as `VProparrayBase::get_size`, for an array whose sizes do not fit
 VELA_API void vela_export_xml(std::string& xml, const VProp& prop, int format);
 
@@ -66,9 +67,9 @@ VELA_API void vela_export_xml(std::string& xml, const VProp& prop, int format);
 /// native form is known by `vprop_version` above 0 or `xml_tb_version` at the first element. Text that is neither
 /// is read as the form that is demanded.
 ///
-/// `prop` is not cleared first: a value is read into what is there, as `VProp::ensure` does. An empty `prop` becomes what
-/// the text says; members of a struct are added to those that are there; a value of another type fails; elements of
-/// an array are put behind those that are there, and then the sizes do not fit. `isempty` clears.
+/// `prop` is not cleared first: a value is read into what is there, as `VProp::ensure` does. An empty `prop` becomes
+/// what the text says; members of a struct are added to those that are there; a value of another type fails; elements
+/// of an array are put behind those that are there, and then the sizes do not fit. `isempty` clears.
 ///
 /// Numbers are read up to the first that is none: a scalar that cannot be read stays as it was, or is 0, without a
 /// failure. A string that is shorter than its `size` is filled up with NUL. What elements promise without
@@ -85,21 +86,21 @@ VELA_API void vela_export_xml(std::string& xml, const VProp& prop, int format);
 ///
 /// Not for two threads at once: the XML parser has one switch for the whole process, which every call sets.
 ///
-/// @throws VelaError id -1 "Error parsing XML properties:\n%s": no XML, no element, elements nested deeper than 512 levels,
-///         or an element with more than 256 attributes
+/// @throws VelaError id -1 "Error parsing XML properties:\n%s": no XML, no element, elements nested deeper than 512
+///         levels, or an element with more than 256 attributes
 /// @throws VelaError id -1 "Xml input of newer version than library!": `vprop_version` is above 1
 /// @throws VelaError id -1 "Could not determine xml format!": `format` is 0, and the text is of no known form
 /// @throws VelaError id -1 "Specified format does not match the xml string!": it is of the other known form
-/// @throws VelaError id -1 "%s\nLocation:\n%s": everything that goes wrong from there on. First comes the report of that
-///         failure, then the names of the elements that lead to it, with "." between them.
+/// @throws VelaError id -1 "%s\nLocation:\n%s": everything that goes wrong from there on. First comes the report of
+///         that failure, then the names of the elements that lead to it, with "." between them.
 ///
 /// Reports of these stand there, beside those of `VProp`, its arrays and its paths:
 ///
 /// - VelaError id -1 "Unknown type '%s' in xml string!": `type` is missing, no name of a type, or "none"
 /// - VelaError id -1 "Invalid struct array!": members cannot be shared out evenly, stand in the wrong order, or are
 ///   not those of the first struct
-/// - VelaError id -1 "Invalid size set!": there are more or fewer elements than `size` says, too many are promised, or it
-///   does not begin with a number
+/// - VelaError id -1 "Invalid size set!": there are more or fewer elements than `size` says, too many are promised, or
+///   it does not begin with a number
 /// - VelaError id -1 "Too many paths for names in xml string!": there are more than 8192 names with a "." in them
 /// - VelaError id -1 "Malformed 'complex' element!": fewer than two children, or one has more elements than the other
 /// - VelaError id -1 "Real and imaginary part have different types in 'complex' element!"

@@ -116,7 +116,8 @@ public:
     /// Both valid, and all exponents literally equal.
     bool is_compatible(const value& other) const;
 
-    /// Compatible, and the numbers differ by less than 1e-9 of either. An invalid value equals nothing, itself included.
+    /// Compatible, and the numbers differ by less than 1e-9 of either. An invalid value equals nothing, itself
+    /// included.
     friend bool operator==(const value& left, const value& right) { return left.equals(right); }
     friend bool operator!=(const value& left, const value& right) { return !left.equals(right); }
     /// A number of any arithmetic type counts as a value without dimension.

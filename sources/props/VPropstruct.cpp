@@ -12,12 +12,6 @@ using vela_prop::split_path;
 
 namespace {
 
-/// The message is `before`, the path or key that it is about, and `after`.
-[[noreturn]] void fail_walk(const char* func, int line, const char* before, std::string_view path, const char* after)
-{
-    throw VelaError(std::string(before).append(path).append(after), func, __FILE__, line)(-1);
-}
-
 VProp& make_member(VPropstruct& members, std::string_view key)
 {
     vela_prop_reserve(members, members.size() + 1);
@@ -30,7 +24,8 @@ VProp& get_member(VPropstruct& members, std::string_view key, bool create)
     if (found != members.end())
         return found->second;
     if (!create)
-        fail_walk("VPropstruct::getp", __LINE__, "Struct member '", key, "' does not exist!");
+        throw VelaError("VPropstruct::getp", __FILE__, __LINE__)("Struct member '%s' does not exist!",
+                                                                 std::string(key).c_str())(-1);
     return make_member(members, key);
 }
 
@@ -39,20 +34,19 @@ VProp& walk_struct(VPropstruct& members, std::string_view& path, bool create)
 {
     const Segment segment = split_path(path);
     if (segment.kind != SegmentKind::member)
-        fail_walk("VPropstruct::getp", __LINE__, "Expected path ...'", path, "' to start with struct member!");
+        throw VelaError("VPropstruct::getp", __FILE__, __LINE__)("Expected path ...'%s' to start with struct member!",
+                                                                 std::string(path).c_str())(-1);
     path = segment.rest;
     return get_member(members, segment.head, create);
 }
 
-/// The array of `value`, which becomes one if it is empty and `create` is set.
+/// The array of `value`, which becomes one if it is empty and `create` is set; null if it is of another type.
 template <class T>
-VProparray<T>& get_array(VProp& value, bool create, const char* mismatch, std::string_view path)
+VProparray<T>* find_array(VProp& value, bool create)
 {
     if (value.empty() && create)
         value.ensure<VProparray<T>>();
-    if (value.get_id() != VProp::type_id<VProparray<T>>)
-        fail_walk("VProp::getp", __LINE__, "Path ...'", path, mismatch);
-    return value.get<VProparray<T>>();
+    return value.get_id() == VProp::type_id<VProparray<T>> ? &value.get<VProparray<T>>() : nullptr;
 }
 
 /// One step along `path`, of which the rest is left.
@@ -68,13 +62,21 @@ VProp& walk_value(VProp& value, std::string_view& path, bool create)
         return get_member(value.get<VPropstruct>(), segment.head, create);
     }
     if (segment.kind == SegmentKind::cell)
-        return get_array<VProp>(value, create, "' references cell content from a non-cell array!", here)
-            .at(segment.position, create);
-    VProparray<VPropstruct>& structs =
-        get_array<VPropstruct>(value, create, "' references struct from a non-struct array!", here);
+    {
+        auto* const cells = find_array<VProp>(value, create);
+        if (cells == nullptr)
+            throw VelaError("VProp::getp", __FILE__, __LINE__)(
+                "Path ...'%s' references cell content from a non-cell array!", std::string(here).c_str())(-1);
+        return cells->at(segment.position, create);
+    }
+    auto* const structs = find_array<VPropstruct>(value, create);
+    if (structs == nullptr)
+        throw VelaError("VProp::getp", __FILE__, __LINE__)("Path ...'%s' references struct from a non-struct array!",
+                                                           std::string(here).c_str())(-1);
     if (path.empty())
-        fail_walk("VProp::getp", __LINE__, "Path ...'", here, "' ends in struct array!");
-    return walk_struct(structs.at(segment.position, create), path, create);
+        throw VelaError("VProp::getp", __FILE__, __LINE__)("Path ...'%s' ends in struct array!",
+                                                           std::string(here).c_str())(-1);
+    return walk_struct(structs->at(segment.position, create), path, create);
 }
 
 VProp& walk(VProp& start, std::string_view path, bool create)

@@ -16,8 +16,8 @@ public:
     /// change, for anything else.
     bool append_value(std::string& text, const VProp& prop) const;
 
-    /// Reads elements up to the first that is none, and puts them behind those of `elements`. False if there is something
-    /// left that was not read.
+    /// Reads elements up to the first that is none, and puts them behind those of `elements`. False if there is
+    /// something left that was not read.
     template <class Elements>
     bool read_elements(std::string_view text, Elements& elements) const
     {

@@ -10,7 +10,8 @@ namespace vela_prop {
 struct DecimalDigits
 {
     static constexpr std::size_t count = 20;
-    /// `count` of '0' to '9', the first one not '0'; behind them room for copies of `count` characters from any of them.
+    /// `count` of '0' to '9', the first one not '0'; behind them room for copies of `count` characters from any of
+    /// them.
     std::array<char, 2 * count> digits;
     int exponent; ///< of the first digit
 };

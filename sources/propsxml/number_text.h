@@ -23,8 +23,8 @@ void append_number(std::string& text, const std::complex<T>& number)
 
 /// Reads a number at the beginning of a text, as `>>` of a stream does, behind any white space.
 ///
-/// What no stream reads: "Inf", "-Inf" and "NaN", right at the beginning. Numbers of one byte are read as `int`, and lose
-/// their higher bits. Unsigned ones may be negative, and wrap around.
+/// What no stream reads: "Inf", "-Inf" and "NaN", right at the beginning. Numbers of one byte are read as `int`, and
+/// lose their higher bits. Unsigned ones may be negative, and wrap around.
 ///
 /// Gives the place behind it, or null where there is no number or it is out of range; `number` stays then.
 template <class T>

@@ -246,17 +246,20 @@ TEST(PropertyBridgeSet, AnEqualScalarIsNotWritten)
     EXPECT_FALSE(std::signbit(minus_zero.get<double>()));
 }
 
-TEST(PropertyBridgeSet, AttachmentAndLockStay)
+TEST(PropertyBridgeSet, ScalarsAreAssigned)
 {
     VProp property(1);
     const auto info = boost::make_shared<VPropInfo>();
     property.set_info(info);
     ASSERT_TRUE(property.lock());
-    const void* const address = address_of(property);
+    const VProp locked_copy(property);
+    ASSERT_NE(address_of(locked_copy), address_of(property));
+    EXPECT_FALSE(set_value(Value(1), property));
+    EXPECT_NE(address_of(VProp(property)), address_of(property)) << "an equal value was written";
     EXPECT_TRUE(set_value(Value(2), property));
-    EXPECT_EQ(property.get_info(), info);
-    EXPECT_EQ(address_of(property), address);
     EXPECT_EQ(property.get<int>(), 2);
+    EXPECT_EQ(property.get_info(), info);
+    EXPECT_EQ(address_of(VProp(property)), address_of(property)) << "the new container is locked";
 }
 
 TEST(PropertyBridgeSet, TheValueStaysAsItIs)

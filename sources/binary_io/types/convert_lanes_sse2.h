@@ -1,6 +1,7 @@
 // Floats to small integers with SSE2. Included inside the namespace of the instruction set.
 
-/// Four 32-bit lanes. `truncate` takes the first of its floats and their type. A truncation gives the integer indefinite, 2^31, for what 32 bits cannot hold.
+/// Four 32-bit lanes. `truncate` takes the first of its floats and their type. A truncation gives the integer
+/// indefinite, 2^31, for what 32 bits cannot hold.
 struct Lanes
 {
     typedef __m128i Ints;

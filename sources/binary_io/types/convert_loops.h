@@ -4,9 +4,9 @@
 // gives the integer indefinite for what 32 bits cannot hold, which for most pairs is just what the rules want in
 // the low bits. Words, and unsigned targets that take their bits from 64, are tried block by block: first as
 // values that the target can hold, which is what images are and costs least; else by their low bits, while no
-// indefinite comes up that matters; else value by value. Written without intrinsics, as a choice between the value and 0 or as a search of the
-// block before plain casts, the same loops were measured 3 to 4 times slower with SSE2 (AMD EPYC, GCC 12): the compiler narrows the
-// masks along with the values.
+// indefinite comes up that matters; else value by value. Written without intrinsics, as a choice between the value and
+// 0 or as a search of the block before plain casts, the same loops were measured 3 to 4 times slower with SSE2 (AMD
+// EPYC, GCC 12): the compiler narrows the masks along with the values.
 //
 // Everything else is a plain loop that the compiler turns into vector code.
 
