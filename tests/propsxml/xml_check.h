@@ -111,4 +111,27 @@ inline void expect_invalid_size_at(const std::string& xml, const std::string& lo
     expect_failure_at(xml, "sources/proparr", "VProparrayBase::set_size", "Invalid size set!", location);
 }
 
+/// True if it was read, and then it can be written. Otherwise it was refused by a VelaError of vela_import_xml; what
+/// was read before that is whole: it can be copied and compared.
+inline bool survives(const std::string& xml, int format)
+{
+    VProp prop;
+    try
+    {
+        vela_import_xml(xml, prop, format);
+    }
+    catch (const VelaError& error)
+    {
+        EXPECT_STREQ(error.get_func(), "vela_import_xml");
+        EXPECT_EQ(error.get_id(), -1);
+        EXPECT_FALSE(error.get_msg().empty());
+        VProp copy(prop);
+        copy.own();
+        EXPECT_EQ(copy.get_id(), prop.get_id());
+        return false;
+    }
+    EXPECT_NO_THROW(exported(prop, 2));
+    return true;
+}
+
 }
