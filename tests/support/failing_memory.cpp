@@ -8,9 +8,11 @@ namespace {
 std::size_t requests_left = SIZE_MAX;
 bool fails_once = false;
 std::size_t blocks = 0;
+std::size_t requests = 0;
 
 void* take(std::size_t size_bytes)
 {
+    ++requests;
     if (requests_left == 0)
     {
         if (fails_once)
@@ -62,9 +64,9 @@ void operator delete[](void* memory, std::size_t) noexcept
 
 namespace vela_test {
 
-void allow_requests(std::size_t requests)
+void allow_requests(std::size_t count)
 {
-    requests_left = requests;
+    requests_left = count;
 }
 
 std::size_t blocks_taken()
@@ -72,10 +74,15 @@ std::size_t blocks_taken()
     return blocks;
 }
 
-OneRequestFailsAfter::OneRequestFailsAfter(std::size_t requests)
+std::size_t requests_made()
+{
+    return requests;
+}
+
+OneRequestFailsAfter::OneRequestFailsAfter(std::size_t count)
 {
     fails_once = true;
-    requests_left = requests;
+    requests_left = count;
 }
 
 OneRequestFailsAfter::~OneRequestFailsAfter()

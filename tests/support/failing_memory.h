@@ -13,6 +13,9 @@ void allow_requests(std::size_t requests);
 /// How many blocks are taken now.
 std::size_t blocks_taken();
 
+/// How many requests there have been, those that failed included.
+std::size_t requests_made();
+
 /// While it lives, `requests` requests succeed and all others fail.
 class MemoryFailsAfter
 {
