@@ -267,7 +267,9 @@ TEST(ExportFailure, OfFormat3NamesWhatHasNoText)
     VProp members;
     members["a"] = 1;
     std::string xml = "as it was";
-    for (const VProp& prop : {VProp(), members, cells})
+    const VProp strings(array_of<VPropstring>({L"a"}));
+    const VProp no_numbers{VProparray<double>()};
+    for (const VProp& prop : {VProp(), members, cells, strings, VProp(L""), no_numbers})
         EXPECT_VELA_ERROR_IN(vela_export_xml(xml, prop, 3), "vela_export_xml", "sources/propsxml", -1,
                              "Error writing XML properties to string:\nText does not exists in the current element");
     EXPECT_EQ(xml, "as it was");

@@ -106,6 +106,12 @@ TEST(ImportForm, LvdataWithoutVersionIsReadFromItsFirstChild)
     expect_undetermined(xml);
 }
 
+TEST(ImportForm, LvdataIsSpelledSo)
+{
+    expect_undetermined("<lvdata><Version>1</Version><x type=\"int32\">7</x></lvdata>");
+    expect_undetermined("<LVData><version>1</version><x type=\"int32\">7</x></LVData>");
+}
+
 TEST(ImportForm, VersionZeroAndBelowCountAsNoMarker)
 {
     for (const char* version : {"0", "-1", "-5"})

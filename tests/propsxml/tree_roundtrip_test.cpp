@@ -188,6 +188,22 @@ TEST(TreeRoundTripChanges, CellsWithBit0OfUserbitsToStrings)
     EXPECT_EQ(imported(exported(cells, 2)), VProp(array_of<VPropstring>({L"x", L"5"})));
 }
 
+TEST(TreeRoundTripChanges, UnitsThatAreNoCharactersToNulsAtTheEnd)
+{
+    const std::wstring text{L'a', static_cast<wchar_t>(0xd800), L'b', static_cast<wchar_t>(0x110000)};
+    EXPECT_EQ(imported(exported(VProp(text), 2)), VProp(std::wstring(L"ab\0\0", 4)));
+}
+
+TEST(TreeRoundTripChanges, NothingThatIsSharedLockedOrAttached)
+{
+    VProp tree;
+    tree["a"] = 1;
+    tree["b"] = VProp(tree["a"]);
+    tree["c.d"] = 2;
+    tree["c"].lock();
+    expect_round_trip(tree);
+}
+
 template <class T>
 void expect_nan_that_is_not_equal()
 {
