@@ -30,8 +30,8 @@ VProp sample_tree()
     return tree;
 }
 
-/// Does `work` with `first` and more and more requests that succeed until it goes through. `check` sees each failure: the message of
-/// a VelaError, or null for std::bad_alloc. Nothing may be left afterwards. Gives the number of failures.
+/// Does `work` with `first` and more and more requests that succeed until it goes through. `check` sees each failure:
+/// the message of a VelaError, or null for std::bad_alloc. Nothing may be left afterwards. Gives the number of failures.
 template <class Limit, class Work, class Check>
 std::size_t fail_everywhere(std::size_t first, Work work, Check check)
 {

@@ -52,7 +52,7 @@ public:
     }
     void fill(VPropstring& value) { value = text(); }
 
-    /// Code points of all lengths in UTF-8, markup, blanks and control characters; not blank as a whole, nor of nothing but
+    /// Code points of all lengths in UTF-8, markup, blanks and control characters; never nothing but
     /// blanks and marks of the byte order.
     std::wstring text()
     {
