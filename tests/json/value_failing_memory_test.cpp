@@ -1,4 +1,5 @@
 // Memory that fails at the n-th request: nothing leaks, what was there stays whole, and destruction needs none.
+#include "support/failing_memory.h"
 #include "json/counting_source.h"
 #include "json/deep_values.h"
 
@@ -8,78 +9,17 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
 #include <string>
 #include <utility>
 
 namespace {
 
-/// How many requests succeed before all fail.
-std::size_t requests_left = SIZE_MAX;
-std::size_t blocks_taken = 0;
-
-void* take(std::size_t size_bytes)
-{
-    if (requests_left == 0)
-        throw std::bad_alloc();
-    if (requests_left != SIZE_MAX)
-        --requests_left;
-    void* const memory = std::malloc(size_bytes == 0 ? 1 : size_bytes);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    ++blocks_taken;
-    return memory;
-}
-
-void give_back(void* memory) noexcept
-{
-    if (memory != nullptr)
-        --blocks_taken;
-    std::free(memory);
-}
-
-} // namespace
-
-void* operator new(std::size_t size_bytes)
-{
-    return take(size_bytes);
-}
-void* operator new[](std::size_t size_bytes)
-{
-    return take(size_bytes);
-}
-void operator delete(void* memory) noexcept
-{
-    give_back(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    give_back(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    give_back(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    give_back(memory);
-}
-
-namespace {
-
 using Json::Value;
 using json_test::deep_value;
 using json_test::Levels;
-
-class MemoryFailsAfter
-{
-public:
-    explicit MemoryFailsAfter(std::size_t requests) { requests_left = requests; }
-    ~MemoryFailsAfter() { requests_left = SIZE_MAX; }
-    MemoryFailsAfter(const MemoryFailsAfter&) = delete;
-    MemoryFailsAfter& operator=(const MemoryFailsAfter&) = delete;
-};
+using vela_test::blocks_taken;
+using vela_test::MemoryFailsAfter;
 
 /// Does `action` with 0, 1, 2 ... requests that succeed, until it goes through, and `check`s after each failure.
 /// Gives the number of failures.
@@ -119,7 +59,7 @@ TEST(ValueWithoutMemory, IsDestroyed)
 {
     for (const Levels levels : {Levels::lists, Levels::objects, Levels::mixed})
     {
-        const std::size_t blocks_before = blocks_taken;
+        const std::size_t blocks_before = blocks_taken();
         {
             Value deep = deep_value(100000, levels);
             Value wide = sample_tree();
@@ -129,10 +69,10 @@ TEST(ValueWithoutMemory, IsDestroyed)
         }
         {
             const Value other = deep_value(1000, levels);
-            requests_left = 0; // also while the value goes out of scope
+            vela_test::allow_requests(0); // also while the value goes out of scope
         }
-        requests_left = SIZE_MAX;
-        EXPECT_EQ(blocks_taken, blocks_before);
+        vela_test::allow_requests(SIZE_MAX);
+        EXPECT_EQ(blocks_taken(), blocks_before);
     }
 }
 
@@ -140,11 +80,11 @@ TEST(ValueWithoutMemory, CopyLeavesNothingBehind)
 {
     const Value original = sample_tree();
     const Value same = sample_tree();
-    const std::size_t blocks_before = blocks_taken;
+    const std::size_t blocks_before = blocks_taken();
     const std::size_t failures =
-        failures_of([&] { const Value copy(original); }, [&] { EXPECT_EQ(blocks_taken, blocks_before); });
+        failures_of([&] { const Value copy(original); }, [&] { EXPECT_EQ(blocks_taken(), blocks_before); });
     EXPECT_GT(failures, 10u);
-    EXPECT_EQ(blocks_taken, blocks_before);
+    EXPECT_EQ(blocks_taken(), blocks_before);
     EXPECT_TRUE(original == same);
 }
 
@@ -153,8 +93,8 @@ TEST(ValueWithoutMemory, CopyOfADeepTreeLeavesNothingBehind)
     for (const Levels levels : {Levels::lists, Levels::objects, Levels::mixed})
     {
         const Value original = deep_value(200, levels);
-        const std::size_t blocks_before = blocks_taken;
-        EXPECT_GE(failures_of([&] { const Value copy(original); }, [&] { EXPECT_EQ(blocks_taken, blocks_before); }),
+        const std::size_t blocks_before = blocks_taken();
+        EXPECT_GE(failures_of([&] { const Value copy(original); }, [&] { EXPECT_EQ(blocks_taken(), blocks_before); }),
                   200u);
     }
 }
@@ -163,7 +103,7 @@ TEST(ValueWithoutMemory, AssignmentThatFailsLeavesAUsableTarget)
 {
     const Value original = sample_tree();
     EXPECT_TRUE(original == sample_tree()); // fills its list, which takes memory
-    const std::size_t blocks_before = blocks_taken;
+    const std::size_t blocks_before = blocks_taken();
     {
         Value target;
         failures_of(
@@ -180,7 +120,7 @@ TEST(ValueWithoutMemory, AssignmentThatFailsLeavesAUsableTarget)
             });
         EXPECT_TRUE(target == original);
     }
-    EXPECT_EQ(blocks_taken, blocks_before);
+    EXPECT_EQ(blocks_taken(), blocks_before);
 }
 
 TEST(ValueWithoutMemory, AssignmentThatFailsLeavesTheTargetAsItWas)
@@ -200,7 +140,7 @@ TEST(ValueWithoutMemory, AssignmentThatFailsLeavesTheTargetAsItWas)
 
 TEST(ValueWithoutMemory, AssignmentOfAChildThatFailsLeavesAUsableTree)
 {
-    const std::size_t blocks_before = blocks_taken;
+    const std::size_t blocks_before = blocks_taken();
     {
         Value tree = sample_tree();
         failures_of([&] { tree = std::as_const(tree).if_object()->at("a"); },
@@ -211,18 +151,18 @@ TEST(ValueWithoutMemory, AssignmentOfAChildThatFailsLeavesAUsableTree)
                     });
         EXPECT_EQ(tree.count(), 3u);
     }
-    EXPECT_EQ(blocks_taken, blocks_before);
+    EXPECT_EQ(blocks_taken(), blocks_before);
 }
 
 TEST(ValueWithoutMemory, ComparisonLeavesBothSides)
 {
     const Value left = deep_value(300, Levels::mixed);
     const Value right = deep_value(300, Levels::mixed);
-    const std::size_t blocks_before = blocks_taken;
+    const std::size_t blocks_before = blocks_taken();
     bool equal = false;
-    failures_of([&] { equal = left == right; }, [&] { EXPECT_EQ(blocks_taken, blocks_before); });
+    failures_of([&] { equal = left == right; }, [&] { EXPECT_EQ(blocks_taken(), blocks_before); });
     EXPECT_TRUE(equal);
-    EXPECT_EQ(blocks_taken, blocks_before);
+    EXPECT_EQ(blocks_taken(), blocks_before);
 }
 
 TEST(ValueWithoutMemory, AccessAsListThatFailsLeavesTheValueAsItWas)
@@ -277,7 +217,7 @@ TEST(ReaderWithoutMemory, LeavesNothingBehind)
 {
     const std::string document =
         R"({"key number one":[1,2.5,{"a":"a text that is longer than a short one"}],"b":[[]]})";
-    const std::size_t blocks_before = blocks_taken;
+    const std::size_t blocks_before = blocks_taken();
     bool complete = false;
     const std::size_t failures = failures_of(
         [&]
@@ -286,7 +226,7 @@ TEST(ReaderWithoutMemory, LeavesNothingBehind)
             const char* p = document.data();
             complete = reader.read(p, document.data() + document.size());
         },
-        [&] { EXPECT_EQ(blocks_taken, blocks_before); });
+        [&] { EXPECT_EQ(blocks_taken(), blocks_before); });
     EXPECT_TRUE(complete);
     EXPECT_GT(failures, 5u);
 }
@@ -296,7 +236,7 @@ TEST(XmlReaderWithoutMemory, LeavesNothingBehindButWhatWasRead)
     const std::string document =
         "<?xml version='1.0'?><root><a name='a text that is longer than a short one'/>"
         "<a><b>1</b><b>x&lt;y</b></a><long_name_of_an_element>2.5</long_name_of_an_element></root>";
-    const std::size_t blocks_before = blocks_taken;
+    const std::size_t blocks_before = blocks_taken();
     {
         Value target;
         bool complete = false;
@@ -312,13 +252,13 @@ TEST(XmlReaderWithoutMemory, LeavesNothingBehindButWhatWasRead)
                 // What was read is whole: it can be copied.
                 EXPECT_TRUE(Value(target) == target);
                 target = Value();
-                EXPECT_EQ(blocks_taken, blocks_before);
+                EXPECT_EQ(blocks_taken(), blocks_before);
             });
         EXPECT_TRUE(complete);
         EXPECT_GT(failures, 5u);
         EXPECT_EQ(target.at("root").at("").at("a").count(), 2u);
     }
-    EXPECT_EQ(blocks_taken, blocks_before);
+    EXPECT_EQ(blocks_taken(), blocks_before);
 }
 
 } // namespace

@@ -1,82 +1,22 @@
 // Memory that fails at the n-th request: nothing leaks, values stay whole, and destruction needs none.
 #include "props/attachment.h"
 #include "props/deep_trees.h"
+#include "support/failing_memory.h"
 
 #include <VelaProps/VProp.h>
 #include <VelaProps/VPropstruct.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <new>
 #include <string>
 
 namespace {
 
-/// How many requests succeed before all fail.
-std::size_t requests_left = SIZE_MAX;
-std::size_t blocks_taken = 0;
-
-void* take(std::size_t size_bytes)
-{
-    if (requests_left == 0)
-        throw std::bad_alloc();
-    if (requests_left != SIZE_MAX)
-        --requests_left;
-    void* const memory = std::malloc(size_bytes == 0 ? 1 : size_bytes);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    ++blocks_taken;
-    return memory;
-}
-
-void give_back(void* memory) noexcept
-{
-    if (memory != nullptr)
-        --blocks_taken;
-    std::free(memory);
-}
-
-}
-
-void* operator new(std::size_t size_bytes)
-{
-    return take(size_bytes);
-}
-void* operator new[](std::size_t size_bytes)
-{
-    return take(size_bytes);
-}
-void operator delete(void* memory) noexcept
-{
-    give_back(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    give_back(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    give_back(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    give_back(memory);
-}
-
-namespace {
-
 using prop_test::deepen;
 using prop_test::Levels;
-
-class MemoryFailsAfter
-{
-public:
-    explicit MemoryFailsAfter(std::size_t requests) { requests_left = requests; }
-    ~MemoryFailsAfter() { requests_left = SIZE_MAX; }
-    MemoryFailsAfter(const MemoryFailsAfter&) = delete;
-    MemoryFailsAfter& operator=(const MemoryFailsAfter&) = delete;
-};
+using vela_test::blocks_taken;
+using vela_test::MemoryFailsAfter;
 
 /// Does `work(subject)` on fresh ones of `make` with memory for 0, 1, 2, ... requests until it succeeds; `check` sees
 /// each subject after a failure. Everything is given back each time. Returns how often it failed.
@@ -85,7 +25,7 @@ std::size_t fail_everywhere(void (*make)(Subject&), Work work, Check check)
 {
     for (std::size_t requests = 0; requests < 10000; ++requests)
     {
-        const std::size_t before = blocks_taken;
+        const std::size_t before = blocks_taken();
         bool failed = false;
         {
             Subject subject;
@@ -102,7 +42,7 @@ std::size_t fail_everywhere(void (*make)(Subject&), Work work, Check check)
             if (failed)
                 check(subject);
         }
-        EXPECT_EQ(blocks_taken, before) << "leak after " << requests << " requests";
+        EXPECT_EQ(blocks_taken(), before) << "leak after " << requests << " requests";
         if (!failed)
             return requests;
     }
@@ -273,14 +213,14 @@ TEST(FailingMemory, IsNotNeededToDestroy)
         VProp kept(tree);
         VProp locked(2);
         deepen(locked, 1000, levels, true);
-        const std::size_t before = blocks_taken;
+        const std::size_t before = blocks_taken();
         {
             const MemoryFailsAfter none(0);
             tree.clear();
             kept.clear();
             locked.clear();
         }
-        EXPECT_LT(blocks_taken, before - 4000);
+        EXPECT_LT(blocks_taken(), before - 4000);
     }
 }
 
