@@ -14,6 +14,7 @@
 #include <string>
 #include <type_traits>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 class VProp;
@@ -66,6 +67,24 @@ inline constexpr vela_dt id<VProparray<T>> =
     id<T> != vela_dt_none && !std::is_same_v<T, _s_vela_RGB> ? id<T> | vela_dt_array : vela_dt_none;
 template <>
 inline constexpr vela_dt id<VProparray<VProp>> = vela_dt_cell | vela_dt_array;
+
+/// What a value becomes that is none of those types, but is a number by itself: one of an unscoped enumeration, or an
+/// element of a `VProparray<bool>`. `void` for all others.
+template <class T, class = void>
+struct Plain
+{
+    using type = void;
+};
+template <class T>
+struct Plain<T, std::enable_if_t<std::is_enum_v<T> && std::is_convertible_v<T, std::underlying_type_t<T>>>>
+{
+    using type = decltype(+std::declval<T>());
+};
+template <>
+struct Plain<std::vector<bool>::reference>
+{
+    using type = bool;
+};
 
 }
 
@@ -121,6 +140,13 @@ public:
     /// A container of its own with a copy of `value`, of exactly one of the types of the table.
     template <class T, std::enable_if_t<vela_prop::id<T> != vela_dt_none, int> = 0>
     VProp(const T& value) : content(new holder<T>(value))
+    {
+    }
+
+    /// The same with the number that an enumerator or an element of a `VProparray<bool>` stands for.
+    template <class T, class Number = typename vela_prop::Plain<T>::type,
+              std::enable_if_t<vela_prop::id<Number> != vela_dt_none, int> = 0>
+    VProp(const T& value) : VProp(static_cast<Number>(value))
     {
     }
 

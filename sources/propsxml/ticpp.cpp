@@ -112,7 +112,11 @@ void Element::set_attribute(const std::string& name, const std::string& value)
 
 void Element::set_text(const std::string& text)
 {
-    element->LinkEndChild(new TiXmlText(text));
+    TiXmlNode* const first = element->FirstChild();
+    if (first && first->ToText())
+        first->SetValue(text);
+    else
+        element->LinkEndChild(new TiXmlText(text));
 }
 
 std::string Element::get_text() const

@@ -33,7 +33,7 @@ public:
     void set_name(const std::string& name);
     /// Puts it behind the others, or replaces the one of that name.
     void set_attribute(const std::string& name, const std::string& value);
-    /// Also an empty text makes the element one with a text: it is printed with an end tag.
+    /// For an element without children. Also an empty text makes it one with a text: it is printed with an end tag.
     void set_text(const std::string& text);
     /// @throws Exception "Text does not exists in the current element"
     std::string get_text() const;
@@ -77,7 +77,8 @@ class Document
 public:
     /// Without elements.
     Document();
-    /// Reads UTF-8 text. White space is kept, which is a setting of the whole process.
+    /// Reads UTF-8 text. White space is kept, which is a setting of the whole process. Where memory ends while the
+    /// library parses, it leaves behind what it has parsed.
     /// @throws Exception that says what is wrong, and where
     explicit Document(const std::string& xml);
     Document(const Document&) = delete;

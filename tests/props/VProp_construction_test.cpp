@@ -113,6 +113,44 @@ TEST(VPropText, IsAssigned)
     EXPECT_TRUE(value == VProp(L"five"));
 }
 
+enum Filter
+{
+    green = 3,
+};
+enum class Scoped
+{
+    value,
+};
+enum Large : std::uint64_t
+{
+    largest = 0xffffffffffffffff,
+};
+
+static_assert(!std::is_constructible_v<VProp, Scoped>);
+static_assert(!std::is_constructible_v<VProp, long double>);
+
+TEST(VPropNumber, IsMadeOfAnEnumerator)
+{
+    const Filter filter = green;
+    EXPECT_EQ(VProp(filter), VProp(3));
+    EXPECT_EQ(VProp(largest), VProp(std::uint64_t{0xffffffffffffffff}));
+    VProp prop;
+    prop["filter"] = green;
+    EXPECT_EQ(prop["filter"].get<int>(), 3);
+}
+
+TEST(VPropNumber, IsMadeOfAnElementOfAnArrayOfBooleans)
+{
+    VProparray<bool> bits;
+    bits.push_back(true);
+    VProp prop(bits[0]);
+    EXPECT_TRUE(prop.get<bool>());
+    bits[0] = false;
+    EXPECT_TRUE(prop.get<bool>());
+    prop = bits[0];
+    EXPECT_FALSE(prop.get<bool>());
+}
+
 TEST(VPropAssignment, ReplacesTheTypeByAnother)
 {
     VProp value(1.5);
