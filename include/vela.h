@@ -44,5 +44,6 @@
 #include <VelaProps/VPropstruct.h>
 #include <VelaProps/property_xml.h>
 #include <VelaProps/vela_prop_cast.h>
+#include <VelaStacks/SharedMemory.h>
 #include <si/fraction.h>
 #include <si/value.h>
