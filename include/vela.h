@@ -45,5 +45,8 @@
 #include <VelaProps/property_xml.h>
 #include <VelaProps/vela_prop_cast.h>
 #include <VelaStacks/SharedMemory.h>
+#include <VelaStacks/VStackInfo.h>
+#include <VelaStacks/VStackPosition.h>
+#include <VelaStacks/VStackRegion.h>
 #include <si/fraction.h>
 #include <si/value.h>
