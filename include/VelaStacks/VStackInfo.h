@@ -283,8 +283,12 @@ protected:
 private:
     void _chk_ax(std::uint64_t axis) const;
     void _chk_lock(const char* func, int line) const;
-    class Mirror;
-    class RegionDescription;
+    void take_axis(std::uint64_t axis, const VStackInfoInterface* info, std::uint64_t from, const VStackRegion& region);
+    void store_length(std::uint64_t axis, double len);
+    void store_offset(std::uint64_t axis, double off);
+    void enter_lengths(const std::vector<double>& lens);
+    void enter_offsets(const std::vector<double>& offs);
+    void enter_waiting();
 
     mutable std::vector<std::vector<double>>
         col_positions; ///< empty where the axis is equidistant and nobody has asked

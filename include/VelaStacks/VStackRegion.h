@@ -63,7 +63,7 @@ public:
     /// permutations: first the axes that both have, ascending in the stack, then the others, ascending. Where there is
     /// nothing to read, `source` or `target` is empty by `is_empty`. `source.dt` is the type of the stack.
     ///
-    /// A failure leaves `source` and `target` as they come. They may be this region.
+    /// `source` and `target` may be this region. A failure does not change them.
     /// @throws VelaError as the other form
     std::vector<std::uint64_t> validate(const VStackInfoInterface* info, bool& exact, VStackRegion& source,
                                         VStackRegion& target) const;
