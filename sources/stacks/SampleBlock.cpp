@@ -71,12 +71,16 @@ void Vela::SampleBlock::Overwriting::done()
         block->unset_from = all_set;
 }
 
+void Vela::SampleBlock::Overwriting::fill()
+{
+    if (block != nullptr && block->unset_from < block->size_bytes)
+        std::memset(block->bytes + block->unset_from, 0, block->size_bytes - block->unset_from);
+    done();
+}
+
 Vela::SampleBlock::Overwriting::~Overwriting()
 {
-    if (block == nullptr)
-        return;
-    block->leaves_new_bytes = false;
-    if (block->unset_from < block->size_bytes)
-        std::memset(block->bytes + block->unset_from, 0, block->size_bytes - block->unset_from);
-    block->unset_from = all_set;
+    fill();
+    if (block != nullptr)
+        block->leaves_new_bytes = false;
 }

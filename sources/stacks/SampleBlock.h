@@ -54,6 +54,9 @@ public:
     /// Every byte has been written.
     void done();
 
+    /// Not every byte is going to be written: the new ones become 0 now.
+    void fill();
+
 private:
     SampleBlock* block;
 };

@@ -79,24 +79,29 @@ struct Order
     bool identity = true;
 };
 
-/// True where all of the target has been written.
-bool copy_whole(const CopySource& source, const VStackImp& target, unsigned char* data)
+using Overwriting = Vela::SampleBlock::Overwriting;
+
+void copy_whole(const CopySource& source, const VStackImp& target, unsigned char* data, Overwriting& overwriting)
 {
-    const std::uint64_t wanted = std::min(source.info()->get_number_of_elements(), target.get_number_of_elements());
     const std::uint64_t source_sample = sample_size(source.dt());
     const std::uint64_t target_sample = sample_size(target.get_dt());
     if (source_sample == 0 || target_sample == 0)
-        return wanted == 0;
+        return;
     const std::uint64_t count =
-        std::min({wanted, source.size_bytes() / source_sample, target.get_block_size() / target_sample});
+        std::min({source.info()->get_number_of_elements(), target.get_number_of_elements(),
+                  source.size_bytes() / source_sample, target.get_block_size() / target_sample});
+    if (count == 0)
+        return;
     const bool is_all = count == target.get_number_of_elements();
-    if (source.dt() != target.get_dt())
-        return vela_dt_convert(static_cast<std::uint32_t>(source.dt()), static_cast<std::uint32_t>(target.get_dt()),
-                               source.data(), data, count, nullptr, nullptr) == 0 &&
-               is_all;
-    if (count != 0)
+    if (!is_all)
+        overwriting.fill();
+    if (source.dt() == target.get_dt())
         std::memcpy(data, source.data(), count * target_sample);
-    return is_all;
+    else if (vela_dt_convert(static_cast<std::uint32_t>(source.dt()), static_cast<std::uint32_t>(target.get_dt()),
+                             source.data(), data, count, nullptr, nullptr) != 0)
+        return; // such types leave the block as it was
+    if (is_all)
+        overwriting.done();
 }
 
 /// Gives the number of bytes.
@@ -140,17 +145,27 @@ std::vector<Vela::detail::CopyAxis> paired_axes(const VStackRegion& source_box, 
     return axes;
 }
 
-/// True where all of the target has been written.
-bool copy_box(const CopySource& source, const VStackRegion& source_box, const VStackImp& target,
-              const VStackRegion& target_box, unsigned char* data)
+/// `is_all`: the target box is all of the target.
+void copy_box(const CopySource& source, const VStackRegion& source_box, const VStackImp& target,
+              const VStackRegion& target_box, unsigned char* data, bool is_all, Overwriting& overwriting)
 {
     const Box from(*source.info(), source_box);
     const Box to(target, target_box);
     if (from.first >= source.size_bytes() || to.first >= target.get_block_size())
-        return false;
-    return Vela::detail::copy_samples({paired_axes(source_box, from, target_box, to), source.data() + from.first,
-                                       source.size_bytes() - from.first, source.dt(), data + to.first,
-                                       target.get_block_size() - to.first, target.get_dt()});
+        return;
+    const Vela::detail::SampleCopy copy = {paired_axes(source_box, from, target_box, to),
+                                           source.data() + from.first,
+                                           source.size_bytes() - from.first,
+                                           source.dt(),
+                                           data + to.first,
+                                           target.get_block_size() - to.first,
+                                           target.get_dt()};
+    const bool writes_all = is_all && Vela::detail::is_inside(copy);
+    if (!writes_all)
+        overwriting.fill();
+    Vela::detail::copy_samples(copy);
+    if (writes_all)
+        overwriting.done();
 }
 
 }
@@ -166,15 +181,11 @@ void VStackImp::copy(const VStackInterface* source, vela_dt new_dt)
 void VStackImp::copy(const VStackInterface* source, const VStackRegion& region)
 {
     const CopySource from(*source, *this);
-    Vela::SampleBlock::Overwriting overwriting(data.private_block());
+    Overwriting overwriting(data.private_block());
     VStackInfoImp::create(from.info(), region);
     const Order order(*this, *from.info(), region);
     if (order.identity && order.same_shape)
-    {
-        if (copy_whole(from, *this, data.data()))
-            overwriting.done();
-        return;
-    }
+        return copy_whole(from, *this, data.data(), overwriting);
 
     VStackRegion source_box;
     VStackRegion target_box;
@@ -191,6 +202,5 @@ void VStackImp::copy(const VStackInterface* source, const VStackRegion& region)
         return;
     if (!Vela::detail::is_sample_type(from.dt()))
         Vela::detail::fail_invalid_type(__LINE__);
-    if (copy_box(from, source_box, *this, target_box, data.data()) && exact)
-        overwriting.done();
+    copy_box(from, source_box, *this, target_box, data.data(), exact, overwriting);
 }

@@ -227,28 +227,31 @@ private:
 void copy_what_fits(const SampleCopy& copy)
 {
     const RowConverter convert(copy.source_dt, copy.target_dt);
-    const auto is_inside = [](std::uint64_t offset, std::uint64_t sample_size, std::uint64_t size_bytes)
+    const auto fits = [](std::uint64_t offset, std::uint64_t sample_size, std::uint64_t size_bytes)
     { return offset < size_bytes && size_bytes - offset >= sample_size; };
     const std::vector<CopyAxis> axes = simplified(copy.axes);
     for_each_start(axes.data(), axes.data() + axes.size(), 0, 0,
                    [&](std::uint64_t source_offset, std::uint64_t target_offset)
                    {
-                       if (is_inside(source_offset, convert.source_size(), copy.source_size_bytes) &&
-                           is_inside(target_offset, convert.target_size(), copy.target_size_bytes))
+                       if (fits(source_offset, convert.source_size(), copy.source_size_bytes) &&
+                           fits(target_offset, convert.target_size(), copy.target_size_bytes))
                            convert(copy.source + source_offset, copy.target + target_offset, 1);
                    });
 }
 
 }
 
-bool Vela::detail::copy_samples(const SampleCopy& copy)
+bool Vela::detail::is_inside(const SampleCopy& copy)
 {
     const RowConverter convert(copy.source_dt, copy.target_dt);
-    const bool fits = span_of(copy.axes, &CopyAxis::source_stride, convert.source_size()) <= copy.source_size_bytes &&
-                      span_of(copy.axes, &CopyAxis::target_stride, convert.target_size()) <= copy.target_size_bytes;
-    if (fits)
+    return span_of(copy.axes, &CopyAxis::source_stride, convert.source_size()) <= copy.source_size_bytes &&
+           span_of(copy.axes, &CopyAxis::target_stride, convert.target_size()) <= copy.target_size_bytes;
+}
+
+void Vela::detail::copy_samples(const SampleCopy& copy)
+{
+    if (is_inside(copy))
         BoxCopy(copy).run();
     else
         copy_what_fits(copy);
-    return fits;
 }

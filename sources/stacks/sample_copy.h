@@ -28,8 +28,11 @@ struct SampleCopy
     vela_dt target_dt;
 };
 
-/// Copies every sample of the box that lies within the bytes of both sides, converted as iterators do. Both types are
-/// among those of iterators. True where that is all of them.
-bool copy_samples(const SampleCopy& copy);
+/// Whether all samples of the box lie within the bytes of both sides.
+bool is_inside(const SampleCopy& copy);
+
+/// Copies the samples of the box that lie within the bytes of both sides, converted as iterators do. Both types are among
+/// those of iterators.
+void copy_samples(const SampleCopy& copy);
 
 } // namespace Vela::detail
