@@ -143,6 +143,40 @@ TEST_F(RandomCopy, OfLargePlanesInEveryOrderIsThatOfTheModel)
     }
 }
 
+/// Large enough to be written past the cache. Its samples are their own numbers, so no slow model is needed.
+TEST_F(RandomCopy, OfMegabytesInEveryOrderIsExact)
+{
+    const std::vector<std::uint64_t> sizes = {301, 512, 67};
+    VStackImp source;
+    source.create(sizes, vela_dt_uint32);
+    count_up<std::uint32_t>(source);
+    const std::uint32_t strides[3] = {1, 301, 301 * 512};
+    VStackRegion region;
+    region.create(&source, vela_dt_none);
+    do
+    {
+        const std::uint64_t* const order = region.permutation.data();
+        for (const vela_dt dt : {vela_dt_uint32, vela_dt_double})
+        {
+            region.dt = dt;
+            VStackImp target;
+            target.copy(&source, region);
+            ASSERT_GT(target.get_block_size(), 32u * 1024 * 1024);
+            VStackImp back;
+            back.copy(&target, vela_dt_uint32);
+            const std::vector<std::uint32_t> samples = samples_of<std::uint32_t>(back);
+            std::size_t next = 0;
+            std::size_t wrong = 0;
+            for (std::uint32_t k = 0; k < sizes[order[2]]; ++k)
+                for (std::uint32_t j = 0; j < sizes[order[1]]; ++j)
+                    for (std::uint32_t i = 0; i < sizes[order[0]]; ++i)
+                        wrong +=
+                            samples[next++] != i * strides[order[0]] + j * strides[order[1]] + k * strides[order[2]];
+            EXPECT_EQ(wrong, 0u) << dt << " in the order " << order[0] << order[1] << order[2];
+        }
+    } while (std::next_permutation(region.permutation.begin(), region.permutation.end()));
+}
+
 TEST_F(RandomCopy, OfAStackOntoItselfIsThatOfACopy)
 {
     for (int round = 0; round < 1000; ++round)
