@@ -1,0 +1,223 @@
+// How the OME record follows lengths, offsets and the date of a description.
+#include <VelaStacks/VStackInfo.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "stacks/open_info.h"
+#include "support/expect_bad_cast.h"
+#include "support/expect_vela_error.h"
+
+#include <chrono>
+#include <ctime>
+#include <regex>
+
+using testing::ElementsAre;
+using vela_test::Doubles;
+using vela_test::OpenInfo;
+using vela_test::Sizes;
+
+namespace {
+
+using Image = Ome::Image<Json::SignalingReference>;
+const char* const micrometre = "\xC2\xB5m";
+
+TEST(RecordMirror, LengthsGoIntoTheRecord)
+{
+    OpenInfo info({4, 5, 2});
+    info.set_len(0, 8.0);
+    info.set_len(Doubles{8.0, 0.005, 3.0});
+    Image& image = info.meta_data();
+    EXPECT_EQ(image.physical_size_x.get(), 2.0);
+    EXPECT_EQ(image.physical_size_x_unit.get(), micrometre);
+    EXPECT_EQ(image.physical_size_y.get(), 0.001);
+    EXPECT_EQ(image.physical_size_y_unit.get(), "m");
+    EXPECT_EQ(image.physical_size_z.get(), 1.5);
+    EXPECT_THAT(info.get_lengths(), ElementsAre(8.0, 0.005, 3.0));
+    EXPECT_EQ(info.get_length(1), 0.005);
+}
+
+TEST(RecordMirror, OffsetsGoIntoTheRecord)
+{
+    OpenInfo info({4, 5, 2});
+    info.set_len(Doubles{8.0, 10.0, 4.0});
+    info.set_off(1, 3.0);
+    info.set_off(Doubles{1.0, 2.0, 3.0});
+    EXPECT_THAT(info.get_offsets(), ElementsAre(1.0, 2.0, 3.0));
+    EXPECT_EQ(info.get_offset(2), 3.0);
+    Image& image = info.meta_data();
+    ASSERT_EQ(image.planes.size(), 2U);
+    EXPECT_EQ(image.planes[0]->position_x.get(), 1.0);
+    EXPECT_EQ(image.planes[1]->position_y.get(), 2.0);
+    EXPECT_EQ(image.planes[0]->position_z.get(), 2.0);
+    EXPECT_EQ(image.planes[1]->position_z.get(), 4.0);
+}
+
+TEST(RecordMirror, VectorsThatAreTooShortLeaveTheRest)
+{
+    OpenInfo info({4, 5});
+    info.set_len(Doubles{8.0, 10.0});
+    info.set_len(Doubles{4.0});
+    info.set_off(Doubles{1.0, 2.0});
+    info.set_off(Doubles{3.0});
+    EXPECT_THAT(info.get_lengths(), ElementsAre(4.0, 10.0));
+    EXPECT_THAT(info.get_offsets(), ElementsAre(3.0, 2.0));
+    EXPECT_EQ(info.meta_data().physical_size_y.get(), 2.0);
+}
+
+TEST(RecordMirror, VectorsThatAreTooLongTouchFurtherAxesOfTheRecord)
+{
+    OpenInfo info({4, 5});
+    info.set_len(Doubles{8.0, 10.0, 3.0});
+    EXPECT_THAT(info.get_lengths(), ElementsAre(8.0, 10.0));
+    EXPECT_EQ(info.meta_data().physical_size_z.get(), 3.0);
+    info.set_off(Doubles{0.0, 0.0, 7.0});
+    EXPECT_EQ(info.meta_data().planes[0]->position_z.get(), 7.0);
+    EXPECT_THROW_TEXT(info.set_len(Doubles{8.0, 20.0, 3.0, 1.0, 1.0}), std::invalid_argument,
+                      "Unsupported physical dimension");
+    EXPECT_EQ(info.meta_data().physical_size_y.get(), 4.0) << "axes before the one that fails are entered";
+}
+
+TEST(RecordMirror, UserHearsWhatTheRecordCannotExpress)
+{
+    OpenInfo info({4, 5, 2, 3, 2}); // the last axis is that of the channels
+    EXPECT_THROW_TEXT(info.set_len(4, 2.0), std::invalid_argument, "Unsupported physical dimension");
+    EXPECT_THROW_TEXT(info.set_off(4, 5.0), std::invalid_argument, "Unsupported physical dimension");
+    EXPECT_EQ(info.get_length(4), 2.0);
+    EXPECT_EQ(info.get_offset(4), 5.0);
+    EXPECT_BAD_CAST(info.set_len(0, -2.0));
+    EXPECT_EQ(info.get_length(0), -2.0);
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 1.0) << "stays as it was";
+    info.set_len(3, 6.0);
+    EXPECT_BAD_CAST(info.set_off(3, 0.0));
+    EXPECT_EQ(info.get_offset(3), 0.0);
+    EXPECT_BAD_CAST(info.set_off(Doubles{1.0, 1.0, 1.0, 0.0, 9.0}));
+    EXPECT_THAT(info.get_offsets(), ElementsAre(1.0, 1.0, 1.0, 0.0, 9.0)) << "all are set before the record is";
+}
+
+TEST(RecordMirror, WithoutADimensionOrderItIsXyztc)
+{
+    OpenInfo info({4, 5, 2, 3});
+    info.meta_data().dimension_order = Json::Value();
+    info.set_len(3, 6.0);
+    EXPECT_EQ(info.meta_data().time_increment.get(), 2.0);
+    EXPECT_TRUE(info.meta_data().dimension_order.is_null());
+}
+
+TEST(RecordMirror, StoredOnesAreEnteredAxisByAxis)
+{
+    OpenInfo info({4, 5, 2, 2, 2});
+    info.meta_data().dimension_order = Ome::DimensionOrder::XYCZT;
+    info.set_sizes(info.get_sizes());
+    info.store_lengths({-8.0, 10.0, 7.0, 6.0, 4.0});
+    info.store_offsets({1.0, 2.0, 3.0, 4.0, 0.0});
+    EXPECT_THAT(info.get_lengths(), ElementsAre(-8.0, 10.0, 7.0, 6.0, 4.0));
+    EXPECT_THAT(info.get_offsets(), ElementsAre(1.0, 2.0, 3.0, 4.0, 0.0));
+    Image& image = info.meta_data();
+    EXPECT_EQ(image.physical_size_x.get(), 1.0) << "no negative size";
+    EXPECT_EQ(image.physical_size_y.get(), 2.0);
+    EXPECT_EQ(image.physical_size_z.get(), 3.0) << "behind the channels, which have no length";
+    EXPECT_EQ(image.time_increment.get(), 2.0);
+    EXPECT_EQ(image.planes[0]->position_x.get(), 1.0);
+    EXPECT_EQ(image.planes[0]->position_z.get(), 2.5);
+    EXPECT_TRUE(image.planes[0]->delta_t.is_null()) << "no time below 0";
+}
+
+TEST(RecordMirror, InfoOfAnotherStackIsStoredWhateverTheRecordCanExpress)
+{
+    OpenInfo source({4, 5, 2, 3, 2});
+    source.store_lengths({8.0, 10.0, 4.0, 6.0, 7.0});
+    source.store_offsets({1.0, 2.0, 3.0, 0.0, 5.0});
+    OpenInfo info;
+    info.create(&source, 0);
+    EXPECT_EQ(info.get_lengths(), source.get_lengths());
+    EXPECT_EQ(info.get_offsets(), source.get_offsets());
+    EXPECT_EQ(info.meta_data().physical_size_z.get(), 2.0);
+    EXPECT_EQ(info.meta_data().time_increment.get(), 2.0);
+    EXPECT_EQ(info.meta_data().planes[0]->position_y.get(), 2.0);
+    EXPECT_TRUE(info.meta_data().planes[0]->delta_t.is_null());
+
+    info.meta_data().dimension_order = Ome::DimensionOrder::XYCZT;
+    info.create(&source, 0);
+    EXPECT_EQ(info.meta_data().size_t, 2);
+    EXPECT_EQ(info.meta_data().time_increment.get(), 3.5) << "the time behind the channels";
+    EXPECT_EQ(info.meta_data().planes[0]->position_z.get(), -2.0) << "the planes of Z behind the channels";
+}
+
+TEST(RecordMirror, WithoutElementsLengthsAndOffsetsWaitForSizes)
+{
+    OpenInfo info({4, 5, 0});
+    info.set_len(2, 6.0);
+    info.set_len(Doubles{8.0});
+    info.set_off(0, 0.0);
+    info.set_off(Doubles{0.0, 2.0});
+    info.set_len(1, -1.0);
+    EXPECT_THAT(info.get_lengths(), ElementsAre(8.0, -1.0, 6.0));
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 1.0);
+    info.set_variable_size(3);
+    Image& image = info.meta_data();
+    EXPECT_EQ(image.physical_size_x.get(), 2.0);
+    EXPECT_EQ(image.physical_size_y.get(), 1.0) << "what the record refuses then is no failure";
+    EXPECT_EQ(image.physical_size_z.get(), 2.0);
+    EXPECT_EQ(image.planes[2]->position_x.get(), 0.0);
+    EXPECT_EQ(image.planes[2]->position_y.get(), 2.0);
+    EXPECT_TRUE(image.planes[2]->position_z.is_null()) << "nobody has set this offset";
+}
+
+TEST(RecordMirror, LengthsThatWaitedFollowAGrowingStack)
+{
+    OpenInfo info({4, 5, 0});
+    info.set_len(Doubles{8.0, 10.0, 6.0});
+    info.set_off(Doubles{0.0, 0.0, 1.0});
+    for (const std::uint64_t planes : {1U, 2U, 3U})
+        info.set_variable_size(planes);
+    EXPECT_EQ(info.meta_data().physical_size_z.get(), 2.0) << "the length is that of all planes";
+    EXPECT_EQ(info.meta_data().planes[0]->position_z.get(), -1.0);
+    info.set_len(2, 12.0);
+    info.set_variable_size(6);
+    EXPECT_EQ(info.meta_data().physical_size_z.get(), 4.0) << "one that is set with elements does not";
+}
+
+TEST(RecordMirror, AxesThatNobodySetStayOutOfTheRecord)
+{
+    OpenInfo info({4, 0});
+    info.set_variable_size(2);
+    EXPECT_TRUE(info.meta_data().physical_size_x.value().is_decimal()) << "the integer 1 is what a length of 1 becomes";
+    EXPECT_TRUE(info.meta_data().planes[0]->position_x.is_null());
+}
+
+TEST(RecordMirror, SixAxesWithoutElementsTakeLengths)
+{
+    OpenInfo info({4, 5, 2, 2, 2, 0});
+    info.set_len(5, 3.0);
+    info.set_off(5, 4.0);
+    EXPECT_EQ(info.get_length(5), 3.0);
+    EXPECT_EQ(info.get_offset(5), 4.0);
+}
+
+TEST(RecordMirror, DateIsNowWithTheOffsetOfLocalTime)
+{
+    OpenInfo info(Sizes{4});
+    const auto before = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    info.set_acquisition_date();
+    const auto after = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    const std::string date = info.meta_data().acquisition_date.get();
+    std::smatch parts;
+    ASSERT_TRUE(std::regex_match(date, parts,
+                                 std::regex(R"((\d{4})-(\d\d)-(\d\d)T(\d\d):(\d\d):(\d\d)(?:Z|([+-])(\d\d):(\d\d)))")))
+        << date;
+    const auto number = [&](std::size_t i) { return parts[i].matched ? std::stoi(parts[i]) : 0; };
+    std::tm utc{};
+    utc.tm_year = number(1) - 1900;
+    utc.tm_mon = number(2) - 1;
+    utc.tm_mday = number(3);
+    utc.tm_hour = number(4);
+    utc.tm_min = number(5);
+    utc.tm_sec = number(6);
+    const int offset_minutes = (parts[7] == "-" ? -1 : 1) * (number(8) * 60 + number(9));
+    const std::time_t time = timegm(&utc) - offset_minutes * 60;
+    EXPECT_GE(time, before);
+    EXPECT_LE(time, after);
+}
+
+}
