@@ -79,24 +79,6 @@ TEST(Description, RefusesTypesAndOrdersThatAreNone)
     EXPECT_BAD_CAST(VStackInfoImp(Ome::Type::uint8, {1}, static_cast<Ome::DimensionOrder>(-1)));
 }
 
-TEST(Description, CopyHasARecordOfItsOwn)
-{
-    OpenInfo info({4, 3});
-    info.set_name("first");
-    info.set_label(0, "X");
-    info.locked = true;
-    OpenInfo copy(info);
-    EXPECT_TRUE(copy.locked);
-    EXPECT_EQ(copy.get_label(0), "X");
-    EXPECT_EQ(copy.get_name(), "first");
-    EXPECT_EQ(copy.meta_data().size_y, 3);
-    EXPECT_EQ(copy.meta_data().planes.size(), 1U);
-    copy.locked = false;
-    copy.set_name("second");
-    EXPECT_EQ(info.get_name(), "first");
-    EXPECT_EQ(copy.meta_data().name.get(), "second");
-}
-
 TEST(Description, HandleSharesItsDescription)
 {
     VStackInfo info;

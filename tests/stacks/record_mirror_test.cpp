@@ -168,14 +168,33 @@ TEST(RecordMirror, LengthsThatWaitedFollowAGrowingStack)
 {
     OpenInfo info({4, 5, 0});
     info.set_len(Doubles{8.0, 10.0, 6.0});
-    info.set_off(Doubles{0.0, 0.0, 1.0});
-    for (const std::uint64_t planes : {1U, 2U, 3U})
-        info.set_variable_size(planes);
+    info.set_variable_size(1);
+    info.meta_data().physical_size_x = 7.0;
+    info.set_variable_size(2);
+    info.set_variable_size(3);
     EXPECT_EQ(info.meta_data().physical_size_z.get(), 2.0) << "the length is that of all planes";
-    EXPECT_EQ(info.meta_data().planes[0]->position_z.get(), -1.0);
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 7.0) << "no other axis is entered again";
     info.set_len(2, 12.0);
     info.set_variable_size(6);
     EXPECT_EQ(info.meta_data().physical_size_z.get(), 4.0) << "one that is set with elements does not";
+    info.set_variable_size(0);
+    info.set_len(2, 12.0);
+    info.set_variable_size(4);
+    EXPECT_EQ(info.meta_data().physical_size_z.get(), 3.0);
+}
+
+TEST(RecordMirror, OffsetsThatWaitedLeaveLaterPlanesToTheCaller)
+{
+    OpenInfo info({4, 5, 0});
+    info.set_off(Doubles{1.0, 2.0, 3.0});
+    info.set_variable_size(1);
+    Image& image = info.meta_data();
+    EXPECT_EQ(image.planes[0]->position_x.get(), 1.0);
+    EXPECT_EQ(image.planes[0]->position_z.get(), 3.0);
+    image.planes[0]->position_x = 5.0;
+    info.set_variable_size(2);
+    EXPECT_EQ(image.planes[0]->position_x.get(), 5.0);
+    EXPECT_TRUE(image.planes[1]->position_x.is_null());
 }
 
 TEST(RecordMirror, AxesThatNobodySetStayOutOfTheRecord)
