@@ -222,9 +222,8 @@ void VStackInfoImp::set_acquisition_date()
 void VStackInfoImp::create(const std::vector<std::uint64_t>& new_sizes, vela_dt new_dt)
 {
     _chk_lock("VStackInfoImp::create", __LINE__);
-    const std::vector<std::uint64_t> copy = new_sizes;
     set_type(new_dt);
-    set_sizes(copy);
+    set_sizes(new_sizes);
 }
 
 void VStackInfoImp::create(const VStackInfoInterface* info, vela_dt new_dt)
