@@ -27,8 +27,9 @@ class VStackRegion;
 ///
 /// **Record.** Name, description, date, sample type, order of dimensions, sizes, lengths and offsets also stand, or only
 /// stand, in the OME record `meta_data()`. A stack with samples has at most five axes, since the record has no more. While
-/// a description has no elements, its record has no sizes; lengths and offsets that are set meanwhile are entered
-/// when sizes come, and again whenever the sizes change, as far as the record can express them.
+/// a description has no elements, lengths and offsets that are set wait: they are entered when elements come, as far as
+/// the record can express them. Such a length follows the size of its axis when that changes, so it may be set
+/// before a stack grows.
 ///
 /// **Lock.** The description of a stack that is final, on disk for instance, is locked. Then everything that changes
 /// it fails, but for `set_stack_position` and what is written through `meta_data`:
@@ -205,7 +206,8 @@ public:
     /// `rank` axes of size 0, and no sample type; without axes there is one element. The order of dimensions is XYZTC.
     explicit VStackInfoImp(std::uint64_t rank = 0);
 
-    /// With a record of its own on a copy of the tree. The lock is copied too.
+    /// With a record of its own on a copy of the tree, in which dates, units and enumerations that somebody has read
+    /// without their being set are not set again. The lock is copied too.
     VStackInfoImp(const VStackInfoImp& other);
     VStackInfoImp& operator=(const VStackInfoImp&) = delete;
 
@@ -288,10 +290,9 @@ private:
     void store_offset(std::uint64_t axis, double off);
     void enter_lengths(const std::vector<double>& lens);
     void enter_offsets(const std::vector<double>& offs);
-    void enter_waiting();
+    void enter_waiting(const std::vector<std::uint64_t>& sizes_before);
 
-    mutable std::vector<std::vector<double>>
-        col_positions; ///< empty where the axis is equidistant and nobody has asked
+    mutable std::vector<std::vector<double>> col_positions; ///< empty until an equidistant axis is asked for its own
     std::vector<double> lengths;
     std::vector<double> offsets;
     std::vector<std::vector<std::string>> col_labels;
@@ -312,8 +313,8 @@ private:
     Json::Value meta_store; ///< before the record, which lies on it
     Ome::Image<Json::SignalingReference> meta;
 
-    std::vector<bool>
-        waiting_lengths; ///< set while there were no elements: the record follows them at each change of sizes
+    // Set while there were no elements.
+    std::vector<bool> waiting_lengths;
     std::vector<bool> waiting_offsets;
 };
 

@@ -4,6 +4,7 @@
 
 #include "ome/current_timestamp.h"
 #include "ome/pixel_types.h"
+#include "ome/unset_texts.h"
 #include "sources/stacks/product.h"
 
 #include <algorithm>
@@ -68,8 +69,8 @@ VStackInfoImp::VStackInfoImp(const VStackInfoImp& other)
       col_labels(other.col_labels), equidistant(other.equidistant), labels(other.labels), units(other.units),
       data_units(other.data_units), position(other.position), meta_data_string(other.meta_data_string),
       locked(other.locked), dt(other.dt), sizes(other.sizes), number_of_elements(other.number_of_elements),
-      meta_store(other.meta_store), meta(meta_store), waiting_lengths(other.waiting_lengths),
-      waiting_offsets(other.waiting_offsets)
+      meta_store(Ome::detail::copy_of_image(other.meta_store)), meta(meta_store),
+      waiting_lengths(other.waiting_lengths), waiting_offsets(other.waiting_offsets)
 {
 }
 
@@ -100,14 +101,15 @@ void VStackInfoImp::set_variable_size(std::uint64_t size)
 void VStackInfoImp::set_sizes(const std::vector<std::uint64_t>& new_sizes)
 {
     const std::uint64_t product = Vela::detail::get_product(new_sizes);
-    std::vector<std::uint64_t> copy = new_sizes; // which may be those of this stack
+    std::vector<std::uint64_t> copy = new_sizes; // which may be those of this stack, and is later what they were
     const std::size_t rank = copy.size();
 
     // All memory is there before anything changes, so that the vectors always have one length.
     const auto reserve = [rank](auto&... vectors) { (vectors.reserve(rank), ...); };
     reserve(col_positions, lengths, offsets, col_labels, equidistant, labels, units, waiting_lengths, waiting_offsets);
+    const bool had_elements = number_of_elements != 0;
     number_of_elements = product;
-    sizes = std::move(copy);
+    sizes.swap(copy);
     const auto resize = [rank](auto&... vectors) { (vectors.resize(rank), ...); };
     resize(col_positions, col_labels, labels, units, waiting_lengths, waiting_offsets);
     lengths.resize(rank, default_length);
@@ -117,18 +119,22 @@ void VStackInfoImp::set_sizes(const std::vector<std::uint64_t>& new_sizes)
     if (number_of_elements == 0)
         return;
     meta.set_sizes(std::vector<std::size_t>(sizes.begin(), sizes.end()));
-    enter_waiting();
+    enter_waiting(had_elements ? copy : std::vector<std::uint64_t>());
 }
 
-void VStackInfoImp::enter_waiting()
+/// A length follows the size of its axis: it is that of the whole axis, and the record has that of a pixel. An offset is
+/// entered once, as planes may have got positions and times of their own since.
+void VStackInfoImp::enter_waiting(const std::vector<std::uint64_t>& sizes_before)
 {
     for (std::size_t axis = 0; axis < sizes.size(); ++axis)
     {
-        if (waiting_lengths[axis])
+        const bool is_new = axis >= sizes_before.size() || sizes_before[axis] != sizes[axis];
+        if (waiting_lengths[axis] && is_new)
             is_refused([&] { meta.set_len(axis, lengths[axis]); });
         if (waiting_offsets[axis])
             is_refused([&] { meta.set_off(axis, offsets[axis]); });
     }
+    waiting_offsets.assign(sizes.size(), false);
 }
 
 void VStackInfoImp::set_len(std::uint64_t axis, double len)
@@ -216,9 +222,8 @@ void VStackInfoImp::set_acquisition_date()
 void VStackInfoImp::create(const std::vector<std::uint64_t>& new_sizes, vela_dt new_dt)
 {
     _chk_lock("VStackInfoImp::create", __LINE__);
-    const std::vector<std::uint64_t> copy = new_sizes;
     set_type(new_dt);
-    set_sizes(copy);
+    set_sizes(new_sizes);
 }
 
 void VStackInfoImp::create(const VStackInfoInterface* info, vela_dt new_dt)

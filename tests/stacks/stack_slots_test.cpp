@@ -1,5 +1,7 @@
 // The order of virtual operations, on which other compiled code counts.
 
+#include "support/slot_of.h"
+
 #include <VelaStacks/VStack.h>
 #include <VelaStacks/VStackRegion.h>
 #include <VelaStacks/iterators.h>
@@ -7,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <bit>
 #include <complex>
 #include <cstddef>
 #include <cstdint>
@@ -17,19 +18,7 @@
 
 namespace {
 
-#if defined(__x86_64__) && defined(__GXX_ABI_VERSION)
-
-/// Slot of a virtual function in the virtual table, from its member pointer (Itanium C++ ABI, 2.3).
-template <class Function>
-std::ptrdiff_t slot_of(Function function)
-{
-    struct MemberPointer
-    {
-        std::ptrdiff_t one_above_offset;
-        std::ptrdiff_t adjustment;
-    };
-    return (std::bit_cast<MemberPointer>(function).one_above_offset - 1) / 8;
-}
+#ifdef VELA_TEST_HAS_SLOTS
 
 TEST(StackSlots, OwnOperationsStandInTheirOrderBehindThoseOfTheDescription)
 {
