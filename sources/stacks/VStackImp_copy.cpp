@@ -8,6 +8,7 @@
 #include "sources/stacks/block_size.h"
 #include "sources/stacks/sample_copy.h"
 #include "sources/stacks/sample_types.h"
+#include "sources/stacks/saturating.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,6 +18,9 @@
 #include <vector>
 
 namespace {
+
+using Vela::detail::saturating_add;
+using Vela::detail::saturating_multiply;
 
 std::uint64_t sample_size(vela_dt dt)
 {
@@ -121,8 +125,9 @@ struct Box
         for (std::uint64_t axis = 0; axis < box.begin.size(); ++axis)
         {
             strides.push_back(stride);
-            first += static_cast<std::uint64_t>(box.begin[axis]) * stride;
-            stride *= info.get_dimension_size(axis);
+            const auto begin = static_cast<std::uint64_t>(box.begin[axis]);
+            first = saturating_add(first, saturating_multiply(begin, stride));
+            stride = saturating_multiply(stride, info.get_dimension_size(axis));
         }
     }
 

@@ -3,11 +3,16 @@
 #include <VelaStacks/iterators.h>
 
 #include "sources/stacks/block_size.h"
+#include "sources/stacks/saturating.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace {
+
+using Vela::detail::saturating_add;
+using Vela::detail::saturating_multiply;
 
 [[noreturn]] void fail_outside(int line)
 {
@@ -15,13 +20,23 @@ namespace {
                     line)("Cannot create iterator over region exceeding the stack!")(-15);
 }
 
-/// Elements from one pixel to the next along each axis.
-std::vector<std::uint64_t> element_strides(const std::vector<std::uint64_t>& sizes)
+/// Bytes from one pixel to the next along each axis.
+std::vector<std::uint64_t> byte_strides(const VStackInterface& stack)
 {
-    std::vector<std::uint64_t> strides(sizes.size(), 1);
-    for (std::size_t axis = 1; axis < sizes.size(); ++axis)
-        strides[axis] = strides[axis - 1] * sizes[axis - 1];
+    std::vector<std::uint64_t> strides = stack.get_sizes();
+    std::uint64_t next = vela_dt_get_size(static_cast<std::uint32_t>(stack.get_dt()));
+    for (std::uint64_t& stride : strides)
+        next = saturating_multiply(std::exchange(stride, next), next);
     return strides;
+}
+
+/// The offset of a pixel of the stack.
+std::uint64_t offset_of(const std::vector<std::int64_t>& pixel, const std::vector<std::uint64_t>& strides)
+{
+    std::uint64_t offset = 0;
+    for (std::size_t axis = 0; axis < strides.size(); ++axis)
+        offset = saturating_add(offset, saturating_multiply(static_cast<std::uint64_t>(pixel[axis]), strides[axis]));
+    return offset;
 }
 
 }
@@ -64,16 +79,12 @@ std::uint64_t VStackInterface::iterator_base::start(const VStackInterface* stack
     if (box.is_empty()) // the slice along an axis that is not walked
         fail_outside(__LINE__);
 
-    const std::vector<std::uint64_t> elements = element_strides(stack->get_sizes());
+    const std::vector<std::uint64_t> steps = byte_strides(*stack);
+    std::vector<std::int64_t> last_pixel = box.end;
+    for (std::int64_t& end : last_pixel)
+        --end;
     const std::uint64_t sample_size = vela_dt_get_size(static_cast<std::uint32_t>(stack->get_dt()));
-    std::uint64_t offset = 0;
-    std::uint64_t last = 0;
-    for (std::size_t axis = 0; axis < elements.size(); ++axis)
-    {
-        offset += static_cast<std::uint64_t>(box.begin[axis]) * elements[axis] * sample_size;
-        last += static_cast<std::uint64_t>(box.end[axis] - 1) * elements[axis] * sample_size;
-    }
-    if (last + sample_size > Vela::detail::block_size(*stack))
+    if (saturating_add(offset_of(last_pixel, steps), sample_size) > Vela::detail::block_size(*stack))
         fail_outside(__LINE__);
 
     const std::size_t count = extents.size();
@@ -84,8 +95,8 @@ std::uint64_t VStackInterface::iterator_base::start(const VStackInterface* stack
     std::ranges::copy(extents, sizes);
     std::fill_n(position, count, 0);
     for (std::size_t i = 0; i < count; ++i)
-        strides[i] = elements[region.permutation[i]] * sample_size;
-    return offset;
+        strides[i] = steps[region.permutation[i]];
+    return offset_of(box.begin, steps);
 }
 
 void VStackInterface::iterator_base::carry()

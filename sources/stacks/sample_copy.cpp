@@ -13,6 +13,7 @@
 #include "sources/stacks/sample_copy.h"
 
 #include "sources/stacks/sample_rows.h"
+#include "sources/stacks/saturating.h"
 #include "sources/stacks/stream_row.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ std::uint64_t span_of(const std::vector<CopyAxis>& axes, std::uint64_t CopyAxis:
 {
     std::uint64_t span = sample_size;
     for (const CopyAxis& axis : axes)
-        span += (axis.extent - 1) * axis.*stride;
+        span = saturating_add(span, saturating_multiply(axis.extent - 1, axis.*stride));
     return span;
 }
 
@@ -255,13 +256,24 @@ private:
     alignas(64) std::array<unsigned char, tile_bytes> arranged;
 };
 
-/// Where a side is too small for the box: sample by sample, and those that lie outside are left out.
+/// How many samples of an axis begin within so many bytes.
+std::uint64_t count_within(std::uint64_t extent, std::uint64_t stride, std::uint64_t size_bytes)
+{
+    return stride == 0 || size_bytes == 0 ? extent : std::min(extent, (size_bytes - 1) / stride + 1);
+}
+
+/// Where a side is too small for the box: sample by sample, and those that lie outside are left out. Axes are cut first, so
+/// that no offset overflows and no time is lost where nothing is.
 void copy_what_fits(const SampleCopy& copy)
 {
     const RowConverter convert(copy.source_dt, copy.target_dt);
     const auto fits = [](std::uint64_t offset, std::uint64_t sample_size, std::uint64_t size_bytes)
     { return offset < size_bytes && size_bytes - offset >= sample_size; };
-    const std::vector<CopyAxis> axes = simplified(copy.axes);
+    std::vector<CopyAxis> axes = copy.axes;
+    for (CopyAxis& axis : axes)
+        axis.extent = count_within(count_within(axis.extent, axis.source_stride, copy.source_size_bytes),
+                                   axis.target_stride, copy.target_size_bytes);
+    axes = simplified(axes);
     for_each_start(axes.data(), axes.data() + axes.size(), 0, 0,
                    [&](std::uint64_t source_offset, std::uint64_t target_offset)
                    {

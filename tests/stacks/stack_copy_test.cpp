@@ -399,6 +399,40 @@ TEST_F(ShortStack, WithoutAnyBytesGivesZeros)
     EXPECT_THAT(bytes_of(other), Each(0));
 }
 
+/// The description of 2^65 bytes with the bytes of ten, as a failed `create` leaves it.
+TEST(OverlargeStack, IsCopiedAsFarAsItGoesWhateverWrapsAround)
+{
+    const std::uint64_t large = std::uint64_t{1} << 31;
+    VStackImp source;
+    source.create({10}, vela_dt_uint8);
+    count_up<std::uint8_t>(source);
+    EXPECT_VELA_ERROR(source.create({large, large}, vela_dt_double), -1, "The size increases the maximum size");
+    const std::vector<unsigned char> block(source.get_data_ptr(), source.get_data_ptr() + 8);
+    VStackRegion region;
+    region.create(&source, vela_dt_none);
+    region.end = {2, 2};
+    VStackImp target;
+    target.copy(&source, region);
+    std::vector<unsigned char> expected = block;
+    expected.resize(32, 0);
+    EXPECT_EQ(bytes_of(target), expected);
+
+    // The offset of this box is 2^64.
+    region.begin = {0, std::int64_t{1} << 30};
+    region.end = {2, region.begin[1] + 2};
+    target.copy(&source, region);
+    EXPECT_EQ(bytes_of(target), expected) << "as it was";
+    VStackImp fresh;
+    fresh.copy(&source, region);
+    EXPECT_THAT(bytes_of(fresh), Each(0));
+    EXPECT_VELA_ERROR(source.get_iterator(region), -15, "Cannot create iterator over region exceeding the stack!");
+
+    // From its first sample to its last there are 2^64 bytes.
+    region.begin = {0, 0};
+    region.end = {1, (std::int64_t{1} << 30) + 1};
+    EXPECT_VELA_ERROR(source.get_iterator(region), -15, "Cannot create iterator over region exceeding the stack!");
+}
+
 /// Changes sizes behind the back of `copy`.
 class OtherSizes : public VStackImp
 {
