@@ -80,7 +80,8 @@ void set_samples(VStackInterface& stack, const std::vector<T>& samples)
 {
     if (stack.get_size(vela_dt_none) != samples.size() * sizeof(T))
         throw std::logic_error("wrong number of samples");
-    std::memcpy(stack.get_data_ptr(), samples.data(), samples.size() * sizeof(T));
+    if (!samples.empty())
+        std::memcpy(stack.get_data_ptr(), samples.data(), samples.size() * sizeof(T));
 }
 
 /// 0, 1, 2, ...
