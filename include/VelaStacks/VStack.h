@@ -46,6 +46,8 @@ public:
     /// - The region that is all of `source` in its order leaves the block as it was where `vela_dt_convert` does not
     ///   support the two types, as from complex to real. Any other region takes the real part then.
     /// - A region that has nothing in common with `source` leaves the block as it was.
+    /// - So does a region that is empty along an axis that it cuts away, where it is in the order of `source`; in any other
+    ///   order the slice at `begin` counts.
     ///
     /// A block that has grown here has zeros where this says that it stays as it was. A block that is smaller than its
     /// description, since somebody who shares it has changed its size, is copied as far as it goes.
