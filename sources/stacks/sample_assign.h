@@ -15,7 +15,7 @@ namespace sample_assign {
 template <class T>
 constexpr bool is_complex_sample = false;
 template <class T>
-constexpr bool is_complex_sample<std::complex<T>> = true;
+inline constexpr bool is_complex_sample<std::complex<T>> = true;
 
 /// Scalars by the rules of `vela_dt_convert`. A scalar becomes a real part, with an imaginary part of 0; parts of a
 /// complex sample go each on its own; to a scalar the imaginary part is dropped, where `vela_dt_convert` refuses.

@@ -32,7 +32,7 @@ constexpr std::uint64_t columns_at_once = 16;
 /// How many rows of the source are asked for ahead.
 constexpr std::uint64_t rows_ahead = 3;
 /// A larger target is not in the cache when somebody comes to read it.
-constexpr std::uint64_t streamed_bytes = 8 * 1024 * 1024;
+constexpr std::uint64_t streamed_bytes = std::uint64_t{8} * 1024 * 1024;
 /// Below this, rows are converted several at a time: a call has a price.
 constexpr std::uint64_t long_row = 256;
 
