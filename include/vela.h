@@ -44,5 +44,11 @@
 #include <VelaProps/VPropstruct.h>
 #include <VelaProps/property_xml.h>
 #include <VelaProps/vela_prop_cast.h>
+#include <VelaStacks/SharedMemory.h>
+#include <VelaStacks/VStack.h>
+#include <VelaStacks/VStackInfo.h>
+#include <VelaStacks/VStackPosition.h>
+#include <VelaStacks/VStackRegion.h>
+#include <VelaStacks/iterators.h>
 #include <si/fraction.h>
 #include <si/value.h>

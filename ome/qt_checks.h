@@ -1,4 +1,4 @@
-/// The checks that Qt makes; no other file of the library knows it.
+/// The checks that Qt makes; of the library only this and `current_timestamp.h` know it.
 #pragma once
 
 #include <string>

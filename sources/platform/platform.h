@@ -46,6 +46,10 @@ std::uint64_t move(void* handle, std::int64_t offset, Origin origin);
 
 void close(void* handle);
 
+/// Takes the memory or the disk space that a file of `size_bytes` needs, so that no later write to a mapping fails for
+/// want of it. 0, or the system's error code.
+int reserve(void* handle, std::uint64_t size_bytes);
+
 /// Removes a file, named in UTF-8, but no directory.
 bool remove_file(const std::string& path);
 

@@ -143,6 +143,17 @@ void close(void* handle)
     ::close(descriptor_of_handle(handle));
 }
 
+int reserve(void* handle, std::uint64_t size_bytes)
+{
+    if (size_bytes == 0)
+        return 0; // the call refuses to reserve nothing
+    const int descriptor = descriptor_of_handle(handle);
+    int error = EINTR;
+    while (error == EINTR) // this call gives its error and leaves errno alone
+        error = posix_fallocate(descriptor, 0, static_cast<off_t>(size_bytes));
+    return error;
+}
+
 bool remove_file(const std::string& path)
 {
     if (path.find('\0') != std::string::npos)

@@ -5,8 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/slot_of.h"
+
 #include <algorithm>
-#include <bit>
 #include <cstring>
 #include <vector>
 
@@ -14,19 +15,7 @@ using testing::ElementsAre;
 
 namespace {
 
-#if defined(__x86_64__) && defined(__GXX_ABI_VERSION)
-
-/// Slot of a virtual function in the virtual table, from its member pointer (Itanium C++ ABI, 2.3).
-template <class Function>
-std::ptrdiff_t slot_of(Function function)
-{
-    struct MemberPointer
-    {
-        std::ptrdiff_t one_above_offset;
-        std::ptrdiff_t adjustment;
-    };
-    return (std::bit_cast<MemberPointer>(function).one_above_offset - 1) / 8;
-}
+#ifdef VELA_TEST_HAS_SLOTS
 
 TEST(VirtualTable, OperationsStandInTheirFixedOrder)
 {

@@ -4,25 +4,14 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
+#include "support/slot_of.h"
+
 #include <cstddef>
 #include <typeinfo>
 
 namespace {
 
-#if defined(__x86_64__) && defined(__GXX_ABI_VERSION)
-
-/// Slot of a virtual function in the virtual table, from its member pointer (Itanium C++ ABI, 2.3).
-template <class Function>
-std::ptrdiff_t slot_of(Function function)
-{
-    struct MemberPointer
-    {
-        std::ptrdiff_t one_above_offset;
-        std::ptrdiff_t adjustment;
-    };
-    return (std::bit_cast<MemberPointer>(function).one_above_offset - 1) / 8;
-}
+#ifdef VELA_TEST_HAS_SLOTS
 
 template <class Class>
 using Reading = const void* (Class::*)() const;

@@ -77,7 +77,7 @@ TYPED_TEST(ExportOfEachNumberType, WritesAnArrayWithoutElementsWithSizeZero)
 {
     EXPECT_EQ(exported(VProp(VProparray<TypeParam>()), 2), "<root idx=\"1\" userbits=\"0\" type=\"" +
                                                                Held<TypeParam>::name() +
-                                                               "\" size=\"0 0\" vprop_version=\"1\" />\n");
+                                                               "\" size=\"0 0\" vprop_version=\"1\"></root>\n");
 }
 
 TYPED_TEST(ExportOfEachNumberType, GivesTheBareTextInFormat3)

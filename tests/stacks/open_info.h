@@ -1,0 +1,36 @@
+/// A description that lets tests do what derived stacks may do.
+#pragma once
+
+#include <VelaStacks/VStackInfo.h>
+
+#include <boost/shared_ptr.hpp>
+
+#include <string>
+#include <vector>
+
+namespace vela_test {
+
+using Sizes = std::vector<std::uint64_t>;
+using Doubles = std::vector<double>;
+using Texts = std::vector<std::string>;
+
+class OpenInfo : public VStackInfoImp
+{
+public:
+    using VStackInfoImp::VStackInfoImp;
+    explicit OpenInfo(const Sizes& new_sizes, vela_dt new_dt = vela_dt_uint8) : VStackInfoImp(new_sizes.size())
+    {
+        create(new_sizes, new_dt);
+    }
+
+    using VStackInfoImp::locked;
+    using VStackInfoImp::meta_data_string;
+    using VStackInfoImp::set_sizes;
+    using VStackInfoImp::set_type;
+    using VStackInfoImp::set_variable_size;
+    using VStackInfoImp::set_variable_type;
+    using VStackInfoImp::store_lengths;
+    using VStackInfoImp::store_offsets;
+};
+
+} // namespace vela_test
