@@ -92,9 +92,11 @@ int VPropXmlExport::visit(const VProp& prop)
         sizes = size_of(prop.get<VPropstring>());
     VProparrayBase* const array = prop.get_arr(false);
     if (array)
+    {
         sizes = array->get_size(true);
-    if (kind == Kind::strings)
-        array->userbits |= 1; // in the array itself: that is how readers and writers know it for one of strings
+        if (kind == Kind::strings)
+            array->userbits |= 1; // in the array itself: that is how readers and writers know it for one of strings
+    }
     if (kind == Kind::number || kind == Kind::numbers || kind == Kind::string)
         set_text_of(element, prop);
 

@@ -316,8 +316,9 @@ std::string VPropXmlParser::location() const
     for (ticpp::Node node = cur_node; node; node = node.parent())
     {
         const std::string name = node.name();
-        if (!name.empty())
-            path = path.empty() ? name : name + "." + path;
+        if (!name.empty() && !path.empty())
+            path.insert(0, 1, '.');
+        path.insert(0, name);
     }
     return path;
 }

@@ -54,7 +54,7 @@ constexpr void multiply_by_ten(Long& number)
         number[i] = static_cast<std::uint64_t>(product);
         carry = static_cast<std::uint64_t>(product >> 64);
     }
-    const int bits = 64 - std::countl_zero(carry);
+    const int bits = carry < 8 ? 3 : 4; // it is from 5 to 9
     for (std::size_t i = number.size(); i-- > 0;)
         number[i] = (number[i] >> bits) | ((i > 0 ? number[i - 1] : carry) << (64 - bits));
 }
@@ -72,7 +72,7 @@ constexpr void divide_by_ten(Long& number)
         (i < number.size() ? quotient[i] : fifth) = digit;
         rest = static_cast<std::uint64_t>(part % 10);
     }
-    const int bits = std::countl_zero(quotient[0]);
+    const int bits = (quotient[0] >> 60) != 0 ? 3 : 4;
     shift_left(quotient, bits);
     quotient.back() |= fifth >> (64 - bits);
     number = quotient;

@@ -11,6 +11,7 @@
 #include <locale>
 #include <sstream>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 
 namespace vela_prop {
@@ -266,22 +267,20 @@ const char* read_character(const char* text, const char* end, char character)
 
 }
 
-#define VELA_INSTANTIATE(T)                                                                                            \
-    template void append_number(std::string&, T);                                                                      \
-    template const char* read_number(const char*, const char*, T&)
+namespace detail {
 
-VELA_INSTANTIATE(bool);
-VELA_INSTANTIATE(unsigned char);
-VELA_INSTANTIATE(char);
-VELA_INSTANTIATE(unsigned short);
-VELA_INSTANTIATE(short);
-VELA_INSTANTIATE(unsigned int);
-VELA_INSTANTIATE(int);
-VELA_INSTANTIATE(std::uint64_t);
-VELA_INSTANTIATE(std::int64_t);
-VELA_INSTANTIATE(float);
-VELA_INSTANTIATE(double);
+/// Makes the compiler emit the functions of these types here.
+template <class... Numbers>
+struct Emitted
+{
+    static constexpr std::tuple functions{
+        static_cast<void (*)(std::string&, Numbers)>(append_number)...,
+        static_cast<const char* (*)(const char*, const char*, Numbers&)>(read_number)...};
+};
 
-#undef VELA_INSTANTIATE
+template struct Emitted<bool, unsigned char, char, unsigned short, short, unsigned int, int, std::uint64_t,
+                        std::int64_t, float, double>;
+
+}
 
 }
