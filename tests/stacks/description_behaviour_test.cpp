@@ -1,5 +1,6 @@
 /// What can be seen of a description: creation, sizes, types, lock and axis checks.
 #include "behaviour_info.h"
+#include "support/expect_bad_cast.h"
 #include "support/expect_vela_error.h"
 #include "support/slot_of.h"
 
@@ -265,6 +266,16 @@ TEST(DescriptionBehaviour, SixSizesFailUnlessOneIsZero)
     info.create(Sizes{1, 2, 1, 3, 1, 0}, vela_dt_int8);
     EXPECT_EQ(info.get_number_of_elements(), 0u);
     EXPECT_EQ(info.get_rank(), 6u);
+}
+
+TEST(DescriptionBehaviour, SizeThatTheRecordCannotHoldIsSetAndThenRefused)
+{
+    BehaviourInfo info(Sizes{4, 3});
+    EXPECT_BAD_CAST(info.create(Sizes{std::uint64_t{1} << 63}, vela_dt_int8));
+    EXPECT_EQ(info.get_sizes(), Sizes{std::uint64_t{1} << 63});
+    EXPECT_EQ(info.get_number_of_elements(), std::uint64_t{1} << 63);
+    EXPECT_EQ(info.get_dt(), vela_dt_int8);
+    EXPECT_EQ(info.get_length(0), 1.0);
 }
 
 TEST(DescriptionBehaviour, BytesFollowFromTypeAndElements)

@@ -61,6 +61,25 @@ TEST(DescriptionCostsBehaviour, AMillionPlanesTakeAsMuchAsTen)
     expect_equal_costs(make_plain);
 }
 
+TEST(DescriptionCostsBehaviour, AMillionChannelsTakeAsMuchAsTen)
+{
+    const auto of_channels = [](const Sizes& sizes) {
+        return std::make_unique<BehaviourInfo>(Sizes{4, 4, 1, 1, sizes[2] * sizes[3]});
+    };
+    expect_equal_costs(of_channels);
+}
+
+TEST(DescriptionCostsBehaviour, AsManyPlanesAsElementsCanBeCounted)
+{
+    const std::uint64_t edge = std::uint64_t{1} << 21;
+    BehaviourInfo info(Sizes{1, 1, edge, edge, edge});
+    info.set_len(2, 5.0);
+    info.set_off(0, 5.0);
+    EXPECT_EQ(info.meta_data().planes.size(), std::uint64_t{1} << 63);
+    EXPECT_EQ(info.meta_data().planes[2]->the_c.get(), 2);
+    EXPECT_EQ(info.meta_data().planes[2]->position_x.get(), 5.0);
+}
+
 TEST(DescriptionCostsBehaviour, LengthsAndOffsetsOfAMillionPlanesTakeAsMuchAsThoseOfTen)
 {
     expect_equal_costs(make_full);

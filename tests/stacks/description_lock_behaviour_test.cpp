@@ -74,6 +74,16 @@ TEST(LockBehaviour, LockedOneRefusesEveryGuardedMutatorBeforeAnythingElse)
     EXPECT_TRUE(info.meta_data().acquisition_date.is_null());
 }
 
+TEST(LockBehaviour, RegionIsResolvedBeforeTheFormOnSizesLooksAtTheLock)
+{
+    BehaviourInfo info(Sizes{4, 3});
+    info.locked = true;
+    VStackRegion region;
+    region.create(&info, 0);
+    region.permutation = {1, 1};
+    EXPECT_VELA_ERROR(info.create(&some_info(), region), -15, "Invalid permutation!");
+}
+
 TEST(LockBehaviour, LockedOneLetsTheUnguardedPass)
 {
     BehaviourInfo info(2);

@@ -354,6 +354,18 @@ TEST(DescriptionOfRegionBehaviour, AxisThatTheStackLacksKeepsItsDefaults)
     EXPECT_EQ(made.get_stack_position().matrix.at({3, 3}), 1.0);
 }
 
+TEST(DescriptionOfRegionBehaviour, LabelsThatNoLongerFitTheirAxisAreCopiedAsFarAsTheyGo)
+{
+    BehaviourInfo source(Sizes{4});
+    source.set_col_labels(0, {"a", "b", "c", "d"});
+    source.set_col_positions(0, {1, 2, 4, 8});
+    source.set_sizes({6});
+    BehaviourInfo made;
+    made.create(&source, make_region({2}, {6}, {0}));
+    EXPECT_EQ(made.get_col_labels(0), (Texts{"c", "d", "", ""}));
+    EXPECT_EQ(made.get_col_positions(0).size(), 4u);
+}
+
 TEST(DescriptionOfRegionBehaviour, UnitsAreNotCopied)
 {
     BehaviourInfo volume = make_volume();

@@ -160,6 +160,23 @@ TEST(PositionBehaviour, IsNotValidWithArraysOfOtherShapes)
         }));
 }
 
+TEST(PositionBehaviour, IsNotValidWhenElementsCameOrWent)
+{
+    const BehaviourInfo info(2);
+    VStackPosition position;
+    position.create(&info, 0);
+    position.origin.push_back(1.0);
+    EXPECT_FALSE(position.is_valid_for(&info));
+    position.labels.push_back(VPropstring(L"Z"));
+    EXPECT_FALSE(position.is_valid_for(&info)) << "the matrix has two global axes";
+    position.create(&info, 0);
+    position.origin.clear();
+    EXPECT_FALSE(position.is_valid_for(&info));
+    position.create(&info, 0);
+    position.matrix.pop_back();
+    EXPECT_FALSE(position.is_valid_for(&info));
+}
+
 TEST(PositionBehaviour, DescriptionMakesItsPositionWhenAskedAndKeepsIt)
 {
     BehaviourInfo info(Sizes{4, 3});

@@ -349,6 +349,25 @@ TEST(RegionBehaviour, BoxOnAMissingAxisIsEmptyUnlessItHoldsPixelZero)
     }
 }
 
+TEST(RegionBehaviour, FarthestPixelsAreResolvedWithoutOverflow)
+{
+    const BehaviourInfo info(Sizes{4});
+    Resolved r = resolve(make_region({lowest}, {-5}, {0}), info);
+    EXPECT_EQ(r.sizes, Sizes{0x8000000000000000u - 5});
+    EXPECT_FALSE(r.exact);
+    EXPECT_TRUE(r.source.is_empty());
+    EXPECT_TRUE(r.target.is_empty());
+    r = resolve(make_region({unspecified - 2}, {unspecified - 1}, {0}), info);
+    EXPECT_EQ(r.sizes, Sizes{1});
+    EXPECT_TRUE(r.source.is_empty());
+    EXPECT_TRUE(r.target.is_empty());
+    r = resolve(make_region({-9}, {unspecified - 10}, {0}), info);
+    EXPECT_EQ(r.sizes, Sizes{0x7fffffffffffffff - 1});
+    EXPECT_EQ(r.target.begin, Pixels{9});
+    EXPECT_EQ(r.target.end, Pixels{13});
+    EXPECT_EQ(r.source.end, Pixels{4});
+}
+
 TEST(RegionBehaviour, RegionOfAStackWithoutAxesIsExact)
 {
     const BehaviourInfo info;
