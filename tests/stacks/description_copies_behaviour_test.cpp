@@ -261,6 +261,18 @@ public:
         calls.push_back("set_info");
         VStackInfoImp::set_info(info);
     }
+    using VStackInfoImp::set_len;
+    void set_len(const Doubles& lens) override
+    {
+        calls.push_back("set_len");
+        VStackInfoImp::set_len(lens);
+    }
+    using VStackInfoImp::set_off;
+    void set_off(const Doubles& offs) override
+    {
+        calls.push_back("set_off");
+        VStackInfoImp::set_off(offs);
+    }
     void set_labels(const Texts& texts) override
     {
         calls.push_back("set_labels");
@@ -299,9 +311,9 @@ TEST(SetInfoBehaviour, OperationsAreReachedInTheirOrderThroughTheTable)
     full->get_col_positions(0); // filled, but equidistant
     Listener listener;
     listener.create(full.get(), 0);
-    EXPECT_EQ(listener.calls,
-              (Texts{"create", "set_info", "set_labels", "set_description", "set_name", "set_col_labels 0",
-                     "set_col_positions 0 0", "set_col_labels 1", "set_col_positions 1 3", "set_stack_position"}));
+    EXPECT_EQ(listener.calls, (Texts{"create", "set_info", "set_len", "set_off", "set_labels", "set_description",
+                                     "set_name", "set_col_labels 0", "set_col_positions 0 0", "set_col_labels 1",
+                                     "set_col_positions 1 3", "set_stack_position"}));
     VStackRegion region;
     region.create(full.get(), 0);
     listener.calls.clear();
