@@ -224,15 +224,17 @@ TEST(SetInfoBehaviour, StoresLengthsAndOffsetsThatTheRecordCannotExpress)
     {
         BehaviourInfo source(Sizes{4, 3, 2, 5, 6}, order);
         EXPECT_THROW_TEXT(source.set_len({8.0, 6.0, 4.0, 10.0, 12.0}), std::invalid_argument, no_dimension);
-        source.set_off(0, 3.0);
+        EXPECT_THROW_TEXT(source.set_off({3.0, 0.0, 5.0, 7.0, 0.0}), std::invalid_argument, no_dimension);
         BehaviourInfo info(Sizes{}, order);
         info.create(&source, 0);
         EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0, 4.0, 10.0, 12.0}));
-        EXPECT_EQ(info.get_offsets(), (Doubles{3.0, 0.0, 0.0, 0.0, 0.0}));
+        EXPECT_EQ(info.get_offsets(), (Doubles{3.0, 0.0, 5.0, 7.0, 0.0}));
         EXPECT_EQ(info.meta_data().physical_size_x.get(), 2.0);
         EXPECT_EQ(info.meta_data().physical_size_z.get(), 2.0);
         EXPECT_EQ(info.meta_data().time_increment.get(), 2.0);
         EXPECT_EQ(info.meta_data().planes[0]->position_x.get(), 3.0);
+        const bool channels_first = order == Ome::DimensionOrder::XYCZT;
+        EXPECT_EQ(info.meta_data().planes[0]->position_z.get(), channels_first ? 7.0 - 2.0 * 2.0 : 5.0 - 0.5 * 2.0);
         VStackRegion region;
         region.create(&source, 0);
         BehaviourInfo cut(Sizes{}, order);
@@ -240,6 +242,7 @@ TEST(SetInfoBehaviour, StoresLengthsAndOffsetsThatTheRecordCannotExpress)
         EXPECT_EQ(cut.get_lengths(), source.get_lengths());
         EXPECT_EQ(cut.get_offsets(), source.get_offsets());
         EXPECT_EQ(cut.meta_data().time_increment.get(), 2.0);
+        EXPECT_FALSE(cut.meta_data().planes[0]->position_z.is_null());
     }
 }
 

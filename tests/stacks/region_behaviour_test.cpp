@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <ostream>
 #include <type_traits>
 
 namespace {
@@ -184,6 +185,11 @@ struct Request
     Pixels target_begin, target_end;
     Sizes source_permutation, target_permutation;
 };
+
+void PrintTo(const Request& request, std::ostream* out)
+{
+    *out << request.what;
+}
 
 class RegionRequest : public ::testing::TestWithParam<Request>
 {
@@ -376,23 +382,6 @@ TEST(RegionBehaviour, RegionOfAStackWithoutAxesIsExact)
     EXPECT_TRUE(r.exact);
     EXPECT_FALSE(r.source.is_empty());
     EXPECT_FALSE(r.target.is_empty());
-}
-
-TEST(PhysicalRegionBehaviour, HasBoundsOfZeroAndTheIdentity)
-{
-    for (const std::uint64_t rank : {0u, 1u, 3u})
-    {
-        const VStackPhysicalRegion region(rank);
-        EXPECT_EQ(region.dt, 0);
-        EXPECT_EQ(region.lower, std::vector<double>(rank, 0.0));
-        EXPECT_EQ(region.upper, std::vector<double>(rank, 0.0));
-        EXPECT_EQ(region.matrix.get_size(false), (std::vector<std::size_t>{rank, rank}));
-        ASSERT_EQ(region.matrix.count(), rank * rank);
-        for (std::size_t i = 0; i < rank * rank; ++i)
-            EXPECT_EQ(region.matrix[i], i % (rank + 1) == 0 ? 1.0 : 0.0);
-    }
-    static_assert(!std::is_default_constructible_v<VStackPhysicalRegion>);
-    static_assert(std::is_copy_assignable_v<VStackPhysicalRegion> && std::is_move_assignable_v<VStackPhysicalRegion>);
 }
 
 } // namespace
