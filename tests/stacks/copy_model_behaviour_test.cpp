@@ -122,6 +122,10 @@ bool is_valid(const VStackRegion& region, const std::vector<std::uint64_t>& size
 TEST(CopyModel, RandomRegionsOfRandomStacksInRandomTypes)
 {
     Random random(20240611);
+    int plain = 0;
+    int reordered = 0;
+    int reaching_out = 0;
+    int left_alone = 0;
     for (int round = 0; round < 6000 && !HasFatalFailure(); ++round)
     {
         const naive::Stack source = naive::random_stack(random, any_type(random), random_sizes(random, 4));
@@ -136,9 +140,28 @@ TEST(CopyModel, RandomRegionsOfRandomStacksInRandomTypes)
         naive::OpenStack into;
         put(into, before);
         into.copy(&from, region);
-        expect_same(into, naive::copied(before, source, region));
+        const naive::Stack expected = naive::copied(before, source, region);
+        expect_same(into, expected);
         expect_same(from, source);
+
+        naive::Stack resized = before;
+        resized.bytes.resize(expected.bytes.size());
+        const std::vector<std::int64_t> indices = naive::source_indices(region, source.sizes);
+        const bool inside = std::find(indices.begin(), indices.end(), -1) == indices.end();
+        if (resized.bytes == expected.bytes)
+            ++left_alone;
+        else if (naive::is_plain_copy(region, source, expected))
+            ++plain;
+        else if (inside)
+            ++reordered;
+        else
+            ++reaching_out;
     }
+    // Every path is gone many times.
+    EXPECT_GT(plain, 300);
+    EXPECT_GT(reordered, 300);
+    EXPECT_GT(reaching_out, 300);
+    EXPECT_GT(left_alone, 300);
 }
 
 TEST(CopyModel, EveryPairOfTypesWholeAndTransposed)

@@ -12,6 +12,8 @@
 #include <set>
 #include <string>
 
+#include <sys/statvfs.h>
+
 namespace {
 
 namespace ipc = boost::interprocess;
@@ -191,6 +193,15 @@ TEST(SharedBlock, ASizeThatCannotBeIsRefusedAndLeavesNoName)
         SCOPED_TRACE(size);
         expect_refused([&] { const SharedMemory memory(size); });
     }
+}
+
+TEST(SharedBlock, MoreThanThereIsRoomForIsRefusedAtOnceAndLeavesNoName)
+{
+    struct statvfs room = {};
+    if (statvfs("/dev/shm", &room) != 0 || room.f_blocks == 0)
+        GTEST_SKIP() << "no limit to see";
+    const std::uint64_t size = (std::uint64_t{room.f_blocks} + 1) * room.f_frsize;
+    expect_refused([&] { const SharedMemory memory(size); });
 }
 
 } // namespace

@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -194,6 +195,24 @@ TEST(SharedStack, IteratorsWriteThroughToTheSegment)
     it.advance();
     it.set_value(77);
     EXPECT_EQ(static_cast<unsigned char*>(segment.data())[1], 77);
+}
+
+TEST(SharedStack, AShareThatFailsLeavesTheStackPrivate)
+{
+    VStackImp stack = numbered({3});
+    const VStackImp copy(stack);
+    rlimit before = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit none = before;
+    none.rlim_cur = 0;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_THROW(stack.share(), ipc::interprocess_exception);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(naive::block_of(stack), (Bytes{1, 2, 3}));
+    EXPECT_EQ(stack.get_data_ptr(), copy.get_data_ptr());
+    stack.create({4}, vela_dt_uint8);
+    EXPECT_EQ(naive::block_of(stack), (Bytes{1, 2, 3, 0}));
+    EXPECT_EQ(SharedMemory(stack.share()).size(), 4U);
 }
 
 /// Another program: see attaching_process.cpp. What it writes is read line by line.
