@@ -62,7 +62,6 @@ struct Top
 {
     ticpp::Node node;
     int format = detect;
-    int version = schema_version;
 };
 
 /// -1 without one.
@@ -92,7 +91,7 @@ Top recognise(const ticpp::Node& first)
     if (version > schema_version)
         throw VelaError("vela_import_xml", __FILE__, __LINE__)("Xml input of newer version than library!")(-1);
     if (version > 0)
-        return {first, native, schema_version};
+        return {first, native};
     const std::string* const older_version = first.attribute("xml_tb_version");
     if (older_version != nullptr && !older_version->empty())
         return {first, native};
@@ -153,7 +152,7 @@ void vela_import_xml(const std::string& xml, VProp& prop, int format)
     {
         throw VelaError("vela_import_xml", __FILE__, __LINE__)("Error parsing XML properties:\n%s", failure.what())(-1);
     }
-    VPropXmlParser parser(top.format, top.version, xml.size());
+    VPropXmlParser parser(top.format, schema_version, xml.size());
     try
     {
         parser.import_xml(top.node, prop);

@@ -1,5 +1,6 @@
 // How numbers are written: the text of every numeric type, alone and in arrays, and the attributes around it.
 #include "props/held_types.h"
+#include "propsxml/number_types.h"
 #include "propsxml/xml_check.h"
 
 #include <complex>
@@ -13,12 +14,7 @@ using prop_test::Held;
 using prop_test::Sample;
 using xml_test::array_of;
 using xml_test::exported;
-
-using NumberTypes =
-    testing::Types<unsigned char, char, unsigned short, short, unsigned int, int, float, double, std::uint64_t,
-                   std::int64_t, bool, std::complex<unsigned char>, std::complex<char>, std::complex<unsigned short>,
-                   std::complex<short>, std::complex<unsigned int>, std::complex<int>, std::complex<float>,
-                   std::complex<double>, std::complex<std::uint64_t>, std::complex<std::int64_t>>;
+using xml_test::NumberTypes;
 
 /// What Sample<T>::one() and other() look like, written out once more.
 template <class T>

@@ -1,5 +1,6 @@
 // How each kind of element is read, into a value that holds nothing.
 #include "props/held_types.h"
+#include "propsxml/number_types.h"
 #include "propsxml/xml_check.h"
 
 #include <complex>
@@ -13,16 +14,11 @@ using prop_test::Held;
 using xml_test::array_of;
 using xml_test::expect_invalid_size_at;
 using xml_test::native;
+using xml_test::NumberTypes;
 using xml_test::read;
 using xml_test::sizes_of;
 
 using Sizes = std::vector<std::size_t>;
-
-using NumberTypes =
-    testing::Types<unsigned char, char, unsigned short, short, unsigned int, int, float, double, std::uint64_t,
-                   std::int64_t, bool, std::complex<unsigned char>, std::complex<char>, std::complex<unsigned short>,
-                   std::complex<short>, std::complex<unsigned int>, std::complex<int>, std::complex<float>,
-                   std::complex<double>, std::complex<std::uint64_t>, std::complex<std::int64_t>>;
 
 /// Two numbers that every type has, as they stand in a document.
 template <class T>

@@ -1,5 +1,6 @@
 // What is read from texts against the streams of the standard library, over texts that are valid, damaged or cut.
 #include "props/held_types.h"
+#include "propsxml/number_types.h"
 #include "propsxml/stream_numbers.h"
 #include "propsxml/xml_check.h"
 
@@ -18,6 +19,7 @@
 namespace {
 
 using prop_test::Held;
+using xml_test::NumberTypes;
 using xml_test::same_bits;
 using xml_test::stream_text;
 
@@ -232,12 +234,6 @@ public:
 private:
     std::mt19937_64 random;
 };
-
-using NumberTypes =
-    testing::Types<unsigned char, char, unsigned short, short, unsigned int, int, float, double, std::uint64_t,
-                   std::int64_t, bool, std::complex<unsigned char>, std::complex<char>, std::complex<unsigned short>,
-                   std::complex<short>, std::complex<unsigned int>, std::complex<int>, std::complex<float>,
-                   std::complex<double>, std::complex<std::uint64_t>, std::complex<std::int64_t>>;
 
 template <class T>
 class NumberReading : public testing::Test

@@ -1,6 +1,8 @@
 /// A visitor that writes down all that is called on it.
 #pragma once
 
+#include "support/property_makers.h"
+
 #include <VelaProps/VPropVisitor.h>
 
 #include <cstddef>
@@ -102,28 +104,8 @@ private:
 #pragma GCC diagnostic pop
 #endif
 
-/// A structure of these members.
-inline VPropstruct structure(const std::vector<std::pair<std::string, VProp>>& members)
-{
-    VPropstruct made;
-    vela_prop_reserve(made, members.size() + 1);
-    for (const auto& member : members)
-        made.push_back(member);
-    return made;
-}
-
-/// An array of these elements; its sizes are stored whether they fit or not, and not set when there are none.
-template <class T>
-VProp array_of(const std::vector<std::size_t>& sizes, const std::vector<T>& elements)
-{
-    VProparray<T> array;
-    array.resize(elements.size(), true);
-    for (std::size_t i = 0; i < elements.size(); ++i)
-        array[i] = elements[i];
-    if (!sizes.empty())
-        array.set_size(sizes, VProparrayBase::set_only);
-    return VProp(array);
-}
+using vela_test::array_of;
+using vela_test::structure;
 
 inline std::vector<VProp> numbers(std::size_t count)
 {
