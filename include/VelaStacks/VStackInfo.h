@@ -285,7 +285,8 @@ protected:
 private:
     void _chk_ax(std::uint64_t axis) const;
     void _chk_lock(const char* func, int line) const;
-    void take_axis(std::uint64_t axis, const VStackInfoInterface* info, std::uint64_t from, const VStackRegion& region);
+    void take_axis(std::uint64_t axis, std::uint64_t count, const VStackInfoInterface* info,
+                   const VStackRegion& region);
     void store_length(std::uint64_t axis, double len);
     void store_offset(std::uint64_t axis, double off);
     void enter_lengths(const std::vector<double>& lens);
