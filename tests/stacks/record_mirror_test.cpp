@@ -188,7 +188,6 @@ TEST(RecordMirror, LengthsWaitOnWhereTheRecordRefusesTheSizes)
     info.set_len(Doubles{8.0, 10.0});
     EXPECT_THROW_TEXT(info.create(Sizes{4, 5, 1, 1, 1, 1}, vela_dt_uint8), std::invalid_argument,
                       "Unsupported number of sizes");
-    EXPECT_BAD_CAST(info.create(Sizes{1, std::uint64_t{1} << 63}, vela_dt_uint8));
     OpenInfo copy(info);
     for (OpenInfo* const mended : {&info, &copy})
     {
@@ -196,6 +195,17 @@ TEST(RecordMirror, LengthsWaitOnWhereTheRecordRefusesTheSizes)
         EXPECT_EQ(mended->meta_data().physical_size_x.get(), 2.0);
         EXPECT_EQ(mended->meta_data().physical_size_y.get(), 2.0);
     }
+}
+
+TEST(RecordMirror, LengthsWaitOnWhereTheRecordRefusesOneOfTheSizes)
+{
+    OpenInfo info(Sizes{0, 0});
+    info.set_len(Doubles{8.0, 10.0});
+    EXPECT_BAD_CAST(info.create(Sizes{1, std::uint64_t{1} << 63}, vela_dt_uint8));
+    EXPECT_EQ(info.meta_data().size_x, 1) << "what comes before is there";
+    info.create(Sizes{1, 5}, vela_dt_uint8);
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 8.0);
+    EXPECT_EQ(info.meta_data().physical_size_y.get(), 2.0);
 }
 
 TEST(RecordMirror, LengthsThatAreEnteredStayWhereTheRecordRefusesSizesInBetween)
