@@ -9,6 +9,8 @@
 #include <boost/make_shared.hpp>
 #include <cstddef>
 #include <iterator>
+#include <utility>
+#include <vector>
 
 namespace Ome {
 VELA_ABI_NAMESPACE_BEGIN
@@ -34,6 +36,7 @@ struct CollectionFiller
 {
     using History = detail::ElementHistory;
     using Watched = detail::WatchedHistory;
+    using Notes = detail::NotedElements;
 
     /// A history with more rules than this gives way to the elements.
     static constexpr std::size_t most_weight = 512;
@@ -57,15 +60,51 @@ struct CollectionFiller
             note(element);
             collection.size_ = ++index;
         }
-        if (index == count)
-            return;
-        const auto after = before.history ? boost::make_shared<History>(*before.history)
-                                          : boost::make_shared<History>(Prototype<T>::instance().element);
-        after->extend(count);
-        plan(*after);
-        watch(list, {after, before.tables});
-        collection.size_ = count;
+        plan_rest(list, before, count, plan);
     }
+
+    /// The same for a collection of which `is_undisturbed` says yes, and whose elements are to stay as they were laid out
+    /// last: calls `lay_out` for those alone that somebody has looked at since then. Costs nothing for the others.
+    template <class LayOut, class Plan>
+    void extend(std::size_t count, LayOut lay_out, Plan plan) const
+    {
+        Json::Value& list = collection.list();
+        std::vector<std::size_t> looked_at = std::exchange(notes().looked_at, {});
+        std::ranges::sort(looked_at); // where one fails, those behind it have not changed
+        for (const std::size_t index : looked_at)
+            collection.records_[index].reset();
+        for (const std::size_t index : looked_at)
+            lay_out(list.at(index), index);
+        plan_rest(list, source(list), count, plan);
+    }
+
+    /// Whether the list is still as the collection has left it, as far as can be seen at its ends, and has made no
+    /// element behind those of the collection.
+    bool is_undisturbed() const
+    {
+        Json::Value& list = collection.list();
+        const auto& elements = collection.elements_;
+        if (!elements || elements->size() > collection.size_)
+            return false;
+        if (!list.is_list() || list.filled_count() != elements->size())
+            return false;
+        const auto& filled = list.fill_list(0);
+        if (!filled.empty() && (&filled.front() != elements->front() || &filled.back() != elements->back()))
+            return false;
+        const auto from = list.list_source();
+        const auto watched = boost::dynamic_pointer_cast<const Watched>(from);
+        return !from || (watched && watched->notes_in(elements));
+    }
+
+    /// What is known of the elements.
+    Notes& notes() const
+    {
+        if (!collection.elements_)
+            collection.elements_ = boost::make_shared<Notes>();
+        return notes(*collection.elements_);
+    }
+
+    static Notes& notes(detail::ElementTable& elements) { return static_cast<Notes&>(elements); }
 
     /// Makes the record of the next element.
     void make_record(Json::Value& element, std::size_t index) const
@@ -140,18 +179,26 @@ private:
 
     std::size_t count_present() const { return collection.elements_ ? collection.elements_->size() : 0; }
 
-    void note(Json::Value& element) const
+    void note(Json::Value& element) const { notes().push_back(&element); }
+
+    /// Elements up to `count` that the list does not hold follow from `before` and `plan`.
+    template <class Plan>
+    void plan_rest(Json::Value& list, const Source& before, std::size_t count, Plan plan) const
     {
-        if (!collection.elements_)
-            collection.elements_ = boost::make_shared<detail::ElementTable>();
-        collection.elements_->push_back(&element);
+        if (count <= count_present())
+            return;
+        const auto after = before.history ? boost::make_shared<History>(*before.history)
+                                          : boost::make_shared<History>(Prototype<T>::instance().element);
+        after->extend(count);
+        plan(*after);
+        watch(list, {after, before.tables});
+        collection.size_ = count;
     }
 
     /// The rest of the list follows from `rest`, and the collection is told of it.
     void watch(Json::Value& list, Source rest) const
     {
-        if (!collection.elements_)
-            collection.elements_ = boost::make_shared<detail::ElementTable>();
+        notes();
         const auto is_own = [&](const auto& table) { return table.lock() == collection.elements_; };
         if (std::ranges::none_of(rest.tables, is_own))
             rest.tables.emplace_back(collection.elements_);
@@ -181,6 +228,8 @@ const boost::shared_ptr<T>& Collection<T>::operator[](std::size_t index) const
     {
         typename T::Binding binding(element(index));
         binding.settled = true; // it was checked when the collection was laid out
+        if (elements_)
+            CollectionFiller<T>::notes(*elements_).looked_at.push_back(index);
         records_[index] = boost::make_shared<T>(binding);
     }
     return records_[index];
@@ -191,11 +240,10 @@ boost::shared_ptr<T> Collection<T>::add(const Json::Value& default_value)
 {
     Json::Value& slot = list().at(size_);
     auto record = boost::make_shared<T>(slot, default_value, size_ + 1);
-    if (!elements_)
-        elements_ = boost::make_shared<detail::ElementTable>();
-    elements_->resize(std::max(elements_->size(), size_ + 1));
+    detail::NotedElements& notes = CollectionFiller<T>{*this}.notes();
+    notes.resize(std::max(notes.size(), size_ + 1));
     records_.resize(size_ + 1);
-    (*elements_)[size_] = &slot;
+    notes[size_] = &slot;
     records_[size_] = record;
     ++size_;
     return record;

@@ -38,6 +38,13 @@ std::size_t PlaceRule::place(std::size_t index) const
     return index / count_c / count_t;
 }
 
+bool PlaneLayout::keeps(const PlaneLayout& before) const
+{
+    if (count_c != before.count_c || count() < before.count())
+        return false;
+    return count_t == before.count_t || (before.count_z == 1 && count_t > before.count_t);
+}
+
 double OffsetRule::at(std::size_t index) const
 {
     return at_place(std::get<PlaceRule>(*places->find(index)).place(index));

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <deque>
 #include <list>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -38,6 +39,23 @@ struct PlaceRule
     bool operator==(const PlaceRule&) const = default;
 
     Axis axis;
+    std::size_t count_t;
+    std::size_t count_c;
+};
+
+/// The planes of an image.
+struct PlaneLayout
+{
+    std::size_t count() const { return count_z * count_t * count_c; }
+
+    PlaceRule z() const { return {PlaceRule::Axis::z, count_t, count_c}; }
+    PlaceRule t() const { return {PlaceRule::Axis::t, count_t, count_c}; }
+    PlaceRule c() const { return {PlaceRule::Axis::c, count_t, count_c}; }
+
+    /// Whether all planes of `before` have the place here that they had there.
+    bool keeps(const PlaneLayout& before) const;
+
+    std::size_t count_z;
     std::size_t count_t;
     std::size_t count_c;
 };
@@ -128,6 +146,13 @@ private:
 
 /// The elements of a list, in the order in which they stood there when they were made.
 using ElementTable = std::deque<Json::Value*>;
+
+/// The table of a collection, and what has happened to its elements.
+struct NotedElements : ElementTable
+{
+    std::optional<PlaneLayout> layout;  ///< of all elements, as they were laid out last
+    std::vector<std::size_t> looked_at; ///< since then, through the collection
+};
 
 /// A history that notes the elements which it makes in the tables of the collections that lie over the list, so
 /// that they find them wherever somebody moves them within the tree.

@@ -2,10 +2,14 @@
 
 #include "ome/CollectionFiller.h"
 #include "ome/dimension_axes.h"
+#include "ome/sizes_of_stack.h"
+#include "ome/unset_texts.h"
 
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
+#include <typeinfo>
+#include <utility>
 
 namespace Ome {
 VELA_ABI_NAMESPACE_BEGIN
@@ -47,38 +51,70 @@ void lay_out_channels(Channels& channels, std::size_t count)
         { history.rules(Prototype<Channel>::instance().record.id.value()).set(count, detail::IdRule{"Channel"}); });
 }
 
-}
-
-template <class Reference>
-void Image<Reference>::lay_out_planes(std::size_t count_z, std::size_t count_t, std::size_t count_c)
+/// How planes are laid out: those that the list holds, and the others.
+template <class Plane>
+struct PlaneFiller
 {
-    using Axis = detail::PlaceRule::Axis;
-    const detail::PlaceRule place_z{Axis::z, count_t, count_c};
-    const detail::PlaceRule place_t{Axis::t, count_t, count_c};
-    const detail::PlaceRule place_c{Axis::c, count_t, count_c};
-    const std::size_t count = count_z * count_t * count_c;
+    Collection<Plane>& planes;
+    detail::PlaneLayout layout;
 
-    // The records of all planes are dear, and may never be asked for. One that nobody has seen can go again.
-    const auto lay_out = [&](Json::Value& element, std::size_t index)
+    void refill() const
     {
-        Plane<Reference> plane(element, Json::Value(), index + 1);
-        plane.the_z = place_z.place(index);
-        plane.the_t = place_t.place(index);
-        plane.the_c = place_c.place(index);
-    };
-    const auto plan = [&](detail::ElementHistory& history)
-    {
-        const Plane<Reference>& prototype = Prototype<Plane<Reference>>::instance().record;
-        history.rules(prototype.the_z.value()).set(count, place_z);
-        history.rules(prototype.the_t.value()).set(count, place_t);
-        history.rules(prototype.the_c.value()).set(count, place_c);
-    };
-    const CollectionFiller<Plane<Reference>> filler{planes};
-    filler.refill(count, lay_out, plan);
-}
+        const CollectionFiller<Plane> filler{planes};
+        filler.refill(
+            layout.count(), [this](Json::Value& element, std::size_t index) { lay_out(element, index); },
+            [this](detail::ElementHistory& history) { plan(history); });
+        filler.notes().layout = layout;
+    }
 
-template <class Reference>
-void Image<Reference>::set_sizes(std::vector<std::size_t> sizes)
+    /// False where the planes have to be laid out anew.
+    bool extend() const
+    {
+        const CollectionFiller<Plane> filler{planes};
+        const auto before = std::exchange(filler.notes().layout, {}); // not known any more if this fails
+        if (!before || before->count() != planes.size() || !layout.keeps(*before) || !filler.is_undisturbed())
+            return false;
+        try
+        {
+            filler.extend(
+                layout.count(),
+                [this](Json::Value& element, std::size_t index)
+                {
+                    detail::unset_empty_texts(element);
+                    lay_out(element, index);
+                },
+                [this](detail::ElementHistory& history) { plan(history); });
+        }
+        catch (const std::bad_cast&)
+        {
+            return false; // laying all out finds it in its place
+        }
+        filler.notes().layout = layout;
+        return true;
+    }
+
+private:
+    /// The records of all planes are dear, and may never be asked for. One that nobody has seen can go again.
+    void lay_out(Json::Value& element, std::size_t index) const
+    {
+        Plane plane(element, Json::Value(), index + 1);
+        plane.the_z = layout.z().place(index);
+        plane.the_t = layout.t().place(index);
+        plane.the_c = layout.c().place(index);
+    }
+
+    void plan(detail::ElementHistory& history) const
+    {
+        const Plane& prototype = Prototype<Plane>::instance().record;
+        history.rules(prototype.the_z.value()).set(layout.count(), layout.z());
+        history.rules(prototype.the_t.value()).set(layout.count(), layout.t());
+        history.rules(prototype.the_c.value()).set(layout.count(), layout.c());
+    }
+};
+
+/// Writes the sizes into the record, and says which planes follow from them.
+template <class Image>
+detail::PlaneLayout write_sizes(Image& image, std::vector<std::size_t> sizes)
 {
     if (std::ranges::find(sizes, 0U) != sizes.end())
         throw std::invalid_argument("Unsupported zero size");
@@ -88,30 +124,59 @@ void Image<Reference>::set_sizes(std::vector<std::size_t> sizes)
 
     check_plane_count(sizes);
 
-    size_x = sizes[0];
-    size_y = sizes[1];
-    const detail::DimensionAxes axes(dimension_order.value());
+    image.size_x = sizes[0];
+    image.size_y = sizes[1];
+    const detail::DimensionAxes axes(image.dimension_order.value());
     for (std::size_t d = 2; d < detail::dimension_count; ++d)
     {
         switch (axes.axis_of(d))
         {
         case detail::Axis::z:
-            size_z = sizes[d];
+            image.size_z = sizes[d];
             break;
         case detail::Axis::c:
-            size_c = sizes[d];
+            image.size_c = sizes[d];
             break;
         default:
-            size_t = sizes[d];
+            image.size_t = sizes[d];
             break;
         }
     }
     const auto size_of = [&](detail::Axis axis) { return sizes[axes.dimension_of(axis)]; };
-    lay_out_channels(channels, size_of(detail::Axis::c));
-    lay_out_planes(size_of(detail::Axis::z), size_of(detail::Axis::t), size_of(detail::Axis::c));
+    return {size_of(detail::Axis::z), size_of(detail::Axis::t), size_of(detail::Axis::c)};
+}
+
+}
+
+template <class Reference>
+void Image<Reference>::lay_out_planes(std::size_t count_z, std::size_t count_t, std::size_t count_c)
+{
+    PlaneFiller<Plane<Reference>>{planes, {count_z, count_t, count_c}}.refill();
+}
+
+template <class Reference>
+void Image<Reference>::set_sizes(std::vector<std::size_t> sizes)
+{
+    const detail::PlaneLayout layout = write_sizes(*this, std::move(sizes));
+    lay_out_channels(channels, layout.count_c);
+    lay_out_planes(layout.count_z, layout.count_t, layout.count_c);
 }
 
 template struct Image<Json::SignalingReference>;
 
 VELA_ABI_NAMESPACE_END
+}
+
+void Ome::detail::set_sizes_of_stack(Image<Json::SignalingReference>& image, const std::vector<std::size_t>& sizes,
+                                     bool grows)
+{
+    const PlaneLayout layout = write_sizes(image, sizes);
+    Json::Value& lists = image.pixels_content.slot();
+    unset_empty_texts_of_channels(lists);
+    lay_out_channels(image.channels, layout.count_c);
+    const PlaneFiller<Plane<Json::SignalingReference>> filler{image.planes, layout};
+    if (grows && filler.extend())
+        return;
+    unset_empty_texts_of_planes(lists);
+    filler.refill();
 }

@@ -25,16 +25,6 @@ Value* child_of(Value* element, const char* key)
     return found == members->end() ? nullptr : &found->second;
 }
 
-void unset_empty_texts(Value* element)
-{
-    Value::Object* const members = element == nullptr ? nullptr : element->if_object();
-    if (members == nullptr)
-        return;
-    for (auto& [key, value] : *members)
-        if (is_checked_text(key) && value.is_string() && value.if_string()->empty())
-            value = Value();
-}
-
 /// Those that somebody has looked at.
 template <class Change>
 void for_each_element(Value* list, Change change)
@@ -42,26 +32,55 @@ void for_each_element(Value* list, Change change)
     if (list == nullptr || !list->is_list())
         return;
     for (Value& element : list->fill_list(0))
-        change(&element);
+        change(element);
 }
 
-void unset_empty_texts_of_channel(Value* channel)
+}
+
+namespace Ome::detail {
+
+void unset_empty_texts(Value& element)
 {
-    unset_empty_texts(channel);
-    for_each_element(child_of(child_of(channel, ""), "ome:LightSourceSettings"), unset_empty_texts);
+    Value::Object* const members = element.if_object();
+    if (members == nullptr)
+        return;
+    for (auto& [key, value] : *members)
+        if (is_checked_text(key) && value.is_string() && value.if_string()->empty())
+            value = Value();
 }
 
+void unset_empty_texts_of_channels(Value& pixels_content)
+{
+    const auto change = [](Value& channel)
+    {
+        unset_empty_texts(channel);
+        for_each_element(child_of(child_of(&channel, ""), "ome:LightSourceSettings"), unset_empty_texts);
+    };
+    for_each_element(child_of(&pixels_content, "ome:Channel"), change);
 }
 
-Value Ome::detail::copy_of_image(const Value& image)
+void unset_empty_texts_of_planes(Value& pixels_content)
+{
+    for_each_element(child_of(&pixels_content, "ome:Plane"), unset_empty_texts);
+}
+
+Value copy_of_image(const Value& image)
 {
     Value copy(image);
     Value* const content = child_of(&copy, "");
+    if (content == nullptr)
+        return copy;
+    unset_empty_texts(*content);
     Value* const pixels = child_of(content, "ome:Pixels");
-    Value* const pixels_content = child_of(pixels, "");
-    unset_empty_texts(content);
-    unset_empty_texts(pixels);
-    for_each_element(child_of(pixels_content, "ome:Channel"), unset_empty_texts_of_channel);
-    for_each_element(child_of(pixels_content, "ome:Plane"), unset_empty_texts);
+    if (pixels == nullptr)
+        return copy;
+    unset_empty_texts(*pixels);
+    if (Value* const pixels_content = child_of(pixels, ""))
+    {
+        unset_empty_texts_of_channels(*pixels_content);
+        unset_empty_texts_of_planes(*pixels_content);
+    }
     return copy;
 }
+
+} // namespace Ome::detail

@@ -29,7 +29,10 @@ class VStackRegion;
 /// stand, in the OME record `meta_data()`. A stack with samples has at most five axes, since the record has no more. While
 /// a description has no elements, lengths and offsets that are set wait: they are entered when elements come, as far as
 /// the record can express them. Such a length follows the size of its axis when that changes, so it may be set
-/// before a stack grows.
+/// before a stack grows; a pixel size that somebody has written into the record since is overwritten then. Such an
+/// offset is entered once, for the planes and the time increment that the first elements bring: planes that come later
+/// have none. So the first growth matters. By three planes at once, all three get their positions; by one, the others
+/// get none, and one frame alone has no time increment, so an offset in time is never entered.
 ///
 /// **Lock.** The description of a stack that is final, on disk for instance, is locked. Then everything that changes
 /// it fails, but for `set_stack_position` and what is written through `meta_data`:
@@ -52,11 +55,12 @@ public:
     /// @throws std::invalid_argument "Unsupported data type": the record has no such type; `dt` is set, the sizes are not
     /// @throws std::invalid_argument "Unsupported number of sizes": elements along more than five axes; type and sizes are
     ///         set, the record is not
-    /// @throws std::bad_cast "bad cast": a size above the signed 64-bit integers; as before
+    /// @throws std::bad_cast "bad cast": a size above the signed 64-bit integers, or something in the record that its field
+    ///         may not hold; type and sizes are set, the record has what comes before in `Ome::Image::set_sizes`
     virtual void create(const std::vector<std::uint64_t>& sizes, vela_dt dt) = 0;
 
     /// The type and sizes of another stack, then `set_info`. Lock. `dt` 0 takes the type too.
-    /// @throws what the form on sizes throws
+    /// @throws what the form on sizes and `set_info` throw
     virtual void create(const VStackInfoInterface* info, vela_dt dt) = 0;
 
     /// Describes what `region` gives of another stack, as it comes out of `VStackRegion::validate`. Lock.
@@ -74,7 +78,8 @@ public:
     /// Takes lengths, offsets, labels, description, name, column labels and positions, and the position in global axes
     /// from another stack, in this order. Lock. Units, units of the samples, raw metadata and date are not copied:
     /// this is wanted. What the record cannot express is left out of it.
-    /// @throws VelaError id -15 "Wrong number of labels!" or what else the single operations throw
+    /// @throws VelaError id -15 "Wrong number of labels!": the other stack has got another size since its columns were
+    ///         labelled; or what else the single operations throw. What comes before is taken.
     virtual void set_info(const VStackInfoInterface* info) = 0;
 
     /// Lock. The name stands in the record.
@@ -91,7 +96,8 @@ public:
     ///         set then, and the record stays as it was.
     virtual void set_len(std::uint64_t axis, double len) = 0;
 
-    /// The lengths of all axes; what is missing stays. Lock. Axes behind the rank are entered into the record, too.
+    /// The lengths of all axes; what is missing stays. Lock. Entries behind the rank are entered into the record, too,
+    /// but are dropped while there are no elements.
     /// @throws as the other form; all lengths are set then, and the record up to the axis that failed
     virtual void set_len(const std::vector<double>& lens) = 0;
 
@@ -100,7 +106,8 @@ public:
     /// @throws what that throws, such as std::bad_cast for times that are not above 0. The offset is set then.
     virtual void set_off(std::uint64_t axis, double off) = 0;
 
-    /// The offsets of all axes; what is missing stays. Lock. Axes behind the rank are entered into the record, too.
+    /// The offsets of all axes; what is missing stays. Lock. Entries behind the rank are entered into the record,
+    /// too, but are dropped while there are no elements.
     /// @throws as the other form; all offsets are set then, and the record up to the axis that failed
     virtual void set_off(const std::vector<double>& offs) = 0;
 
@@ -153,7 +160,7 @@ public:
     virtual const std::vector<double>& get_offsets() const = 0;
     virtual const std::vector<std::string>& get_labels() const = 0;
 
-    /// One label for each column, or none.
+    /// One label for each column, or none; or those of the columns that the axis had before its size changed.
     virtual const std::vector<std::string>& get_col_labels(std::uint64_t axis) const = 0;
 
     /// The position of each column. Where the vector is not as long as the axis, that of an equidistant axis is filled,
@@ -187,10 +194,17 @@ public:
     virtual const std::string& get_meta_data_string() const = 0;
 
     /// The OME record of the stack, which lives as long as the description. Sizes, lengths and offsets that are written
-    /// here do not change the description. No lock.
+    /// here do not change the description. While the stack grows, the list of planes must not be rearranged in the tree,
+    /// but at its ends. No lock.
     virtual Ome::Image<Json::SignalingReference>& meta_data() = 0;
 
     virtual ~VStackInfoInterface();
+
+    VStackInfoInterface& operator=(const VStackInfoInterface&) = delete;
+
+protected:
+    VStackInfoInterface() = default;
+    VStackInfoInterface(const VStackInfoInterface&) = default;
 };
 
 /// The implementation of descriptions, and the base of the stacks in memory and in files.
@@ -268,6 +282,10 @@ protected:
     void set_variable_type(vela_dt new_dt);
 
     /// Sets the size of the last axis, which grows while a stack of unknown length is written.
+    ///
+    /// Planes of the record that keep their places while it grows are laid out again only if they were looked at through
+    /// `meta_data().planes` since the last time, so that a growth costs what is new. What is written past that into
+    /// the place of another plane stays; the list of planes must not be rearranged in the tree meanwhile.
     /// @throws VelaError id -15 "Invalid axis specified!": a stack without axes
     /// @throws what `set_sizes` throws
     void set_variable_size(std::uint64_t size);
@@ -285,12 +303,15 @@ protected:
 private:
     void _chk_ax(std::uint64_t axis) const;
     void _chk_lock(const char* func, int line) const;
-    void take_axis(std::uint64_t axis, const VStackInfoInterface* info, std::uint64_t from, const VStackRegion& region);
+    void take_axis(std::uint64_t axis, std::uint64_t count, const VStackInfoInterface* info,
+                   const VStackRegion& region);
     void store_length(std::uint64_t axis, double len);
     void store_offset(std::uint64_t axis, double off);
-    void enter_lengths(const std::vector<double>& lens);
-    void enter_offsets(const std::vector<double>& offs);
-    void enter_waiting(const std::vector<std::uint64_t>& sizes_before);
+    void apply_sizes(const std::vector<std::uint64_t>& new_sizes, bool grows);
+    void enter_waiting();
+    struct Mirrored;
+    Mirrored mirrored_lengths();
+    Mirrored mirrored_offsets();
 
     mutable std::vector<std::vector<double>> col_positions; ///< empty until an equidistant axis is asked for its own
     std::vector<double> lengths;
@@ -316,6 +337,7 @@ private:
     // Set while there were no elements.
     std::vector<bool> waiting_lengths;
     std::vector<bool> waiting_offsets;
+    std::vector<std::uint64_t> entered_sizes; ///< with which lengths that wait were last entered
 };
 
 /// A handle of a description: copies and moves share it.

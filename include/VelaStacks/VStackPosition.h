@@ -24,11 +24,12 @@ public:
     /// A failure leaves the position as it was.
     /// @throws VelaError id -1 "Rank cannot be larger than the number of global axes!": the stack has more than `n` axes
     /// @throws VelaError id -1 "Invalid size set!": a matrix with more elements than can be counted
+    /// @throws std::length_error or std::bad_alloc: more than memory holds
     void create(const std::vector<std::uint64_t>& sizes, std::uint64_t n);
 
     /// The same for the sizes of `info`, which must not be null; the labels of its axes become the first labels here,
     /// read in the system's encoding.
-    /// @throws VelaError as the other form
+    /// @throws as the other form
     void create(const VStackInfoInterface* info, std::uint64_t n);
 
     /// Whether labels and origin have rank 1 and one length, and the matrix has two sizes: that length, and

@@ -59,9 +59,9 @@ public:
     /// The same, and the two boxes that meet: `source`, the part of the stack that there is to read, with an axis for
     /// each of the stack, and `target`, the part of the output that it fills, with an axis for each of the output.
     ///
-    /// Both have as many samples, and they meet one by one when both are walked in the order of their
-    /// permutations: first the axes that both have, ascending in the stack, then the others, ascending. Where there is
-    /// nothing to read, `source` or `target` is empty by `is_empty`. `source.dt` is the type of the stack.
+    /// Unless one of them is empty by `is_empty`, which it is where there is nothing to read, both have as many samples, and
+    /// they meet one by one when both are walked in the order of their permutations: first the axes that both have,
+    /// ascending in the stack, then the others, ascending. `source.dt` is the type of the stack.
     ///
     /// `source` and `target` may be this region. A failure does not change them.
     /// @throws VelaError as the other form
@@ -80,6 +80,7 @@ class VELA_API VStackPhysicalRegion
 public:
     /// Bounds of 0 and the identity, for `rank` axes.
     /// @throws VelaError id -1 "Invalid size set!": a matrix with more elements than can be counted
+    /// @throws std::length_error or std::bad_alloc: more than memory holds
     explicit VStackPhysicalRegion(std::uint64_t rank);
 
     vela_dt dt = vela_dt_none;

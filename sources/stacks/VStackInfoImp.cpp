@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace {
 
@@ -88,8 +87,8 @@ void VStackInfoImp::set_col_positions(std::uint64_t axis, const std::vector<doub
     _chk_ax(axis);
     if (!new_positions.empty() && new_positions.size() != sizes[axis])
         throw VelaError("VStackInfoImp::set_col_positions", __FILE__, __LINE__)("Wrong number of positions!")(-15);
+    col_positions[axis] = new_positions; // which may fail
     equidistant[axis] = new_positions.empty();
-    col_positions[axis] = new_positions;
 }
 
 void VStackInfoImp::set_label(std::uint64_t axis, const std::string& label)

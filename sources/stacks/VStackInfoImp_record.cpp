@@ -4,6 +4,7 @@
 
 #include "ome/current_timestamp.h"
 #include "ome/pixel_types.h"
+#include "ome/sizes_of_stack.h"
 #include "ome/unset_texts.h"
 #include "sources/stacks/product.h"
 
@@ -11,9 +12,10 @@
 #include <cstddef>
 #include <stdexcept>
 #include <typeinfo>
-#include <utility>
 
 namespace {
+
+using Image = Ome::Image<Json::SignalingReference>;
 
 constexpr double default_length = 1.0;
 constexpr double default_offset = 0.0;
@@ -37,17 +39,81 @@ bool is_refused(Enter enter)
     }
 }
 
-/// Copies the entries that both have, and notes whether they wait for elements.
-void take_front(const std::vector<double>& from, std::vector<double>& to, std::vector<bool>& waiting, bool waits)
-{
-    const std::size_t count = std::min(from.size(), to.size());
-    for (std::size_t axis = 0; axis < count; ++axis)
-    {
-        to[axis] = from[axis];
-        waiting[axis] = waits;
-    }
 }
 
+/// Lengths or offsets: one for each axis, and its counterpart in the record. While there are no elements, what is set
+/// waits.
+struct VStackInfoImp::Mirrored
+{
+    void set(std::size_t axis, double value) const
+    {
+        take(axis, value);
+        if (!waits)
+            enter(axis, value);
+    }
+
+    void set(const std::vector<double>& from) const
+    {
+        take_front(from);
+        if (waits)
+            return;
+        for (std::size_t d = 0; d < from.size(); ++d)
+            enter(d, from[d]);
+    }
+
+    /// The same, where what the record refuses is no failure.
+    void store(std::size_t axis, double value) const
+    {
+        take(axis, value);
+        if (!waits)
+            is_refused([&] { enter(axis, value); });
+    }
+
+    void store(const std::vector<double>& from) const
+    {
+        take_front(from);
+        enter_expressible(from);
+    }
+
+    void enter_expressible(const std::vector<double>& from) const
+    {
+        if (waits)
+            return;
+        for (std::size_t d = 0; d < from.size(); ++d)
+            is_refused([&] { enter(d, from[d]); });
+    }
+
+    void enter(std::size_t d, double value) const { (record.*record_setter)(d, value); }
+
+    std::vector<double>& values;
+    std::vector<bool>& waiting;
+    bool waits;
+    Image& record;
+    void (Image::*record_setter)(std::size_t, double);
+
+private:
+    void take(std::size_t axis, double value) const
+    {
+        values[axis] = value;
+        waiting[axis] = waits;
+    }
+
+    void take_front(const std::vector<double>& from) const
+    {
+        const std::size_t count = std::min(from.size(), values.size());
+        for (std::size_t axis = 0; axis < count; ++axis)
+            take(axis, from[axis]);
+    }
+};
+
+VStackInfoImp::Mirrored VStackInfoImp::mirrored_lengths()
+{
+    return {lengths, waiting_lengths, number_of_elements == 0, meta, &Image::set_len};
+}
+
+VStackInfoImp::Mirrored VStackInfoImp::mirrored_offsets()
+{
+    return {offsets, waiting_offsets, number_of_elements == 0, meta, &Image::set_off};
 }
 
 VStackInfoImp::VStackInfoImp(Ome::Type type, const std::vector<std::uint64_t>& new_sizes, Ome::DimensionOrder order)
@@ -70,7 +136,7 @@ VStackInfoImp::VStackInfoImp(const VStackInfoImp& other)
       data_units(other.data_units), position(other.position), meta_data_string(other.meta_data_string),
       locked(other.locked), dt(other.dt), sizes(other.sizes), number_of_elements(other.number_of_elements),
       meta_store(Ome::detail::copy_of_image(other.meta_store)), meta(meta_store),
-      waiting_lengths(other.waiting_lengths), waiting_offsets(other.waiting_offsets)
+      waiting_lengths(other.waiting_lengths), waiting_offsets(other.waiting_offsets), entered_sizes(other.entered_sizes)
 {
 }
 
@@ -95,19 +161,24 @@ void VStackInfoImp::set_variable_size(std::uint64_t size)
     std::vector<std::uint64_t> new_sizes = get_sizes();
     _chk_ax(new_sizes.size() - 1);
     new_sizes.back() = size;
-    set_sizes(new_sizes);
+    apply_sizes(new_sizes, true);
 }
 
 void VStackInfoImp::set_sizes(const std::vector<std::uint64_t>& new_sizes)
 {
+    apply_sizes(new_sizes, false);
+}
+
+void VStackInfoImp::apply_sizes(const std::vector<std::uint64_t>& new_sizes, bool grows)
+{
     const std::uint64_t product = Vela::detail::get_product(new_sizes);
-    std::vector<std::uint64_t> copy = new_sizes; // which may be those of this stack, and is later what they were
+    std::vector<std::uint64_t> copy = new_sizes; // which may be those of this stack
     const std::size_t rank = copy.size();
 
     // All memory is there before anything changes, so that the vectors always have one length.
     const auto reserve = [rank](auto&... vectors) { (vectors.reserve(rank), ...); };
-    reserve(col_positions, lengths, offsets, col_labels, equidistant, labels, units, waiting_lengths, waiting_offsets);
-    const bool had_elements = number_of_elements != 0;
+    reserve(col_positions, lengths, offsets, col_labels, equidistant, labels, units);
+    reserve(waiting_lengths, waiting_offsets, entered_sizes);
     number_of_elements = product;
     sizes.swap(copy);
     const auto resize = [rank](auto&... vectors) { (vectors.resize(rank), ...); };
@@ -117,100 +188,74 @@ void VStackInfoImp::set_sizes(const std::vector<std::uint64_t>& new_sizes)
     equidistant.resize(rank, true);
 
     if (number_of_elements == 0)
+    {
+        entered_sizes.clear();
         return;
-    meta.set_sizes(std::vector<std::size_t>(sizes.begin(), sizes.end()));
-    enter_waiting(had_elements ? copy : std::vector<std::uint64_t>());
+    }
+    Ome::detail::set_sizes_of_stack(meta, std::vector<std::size_t>(sizes.begin(), sizes.end()), grows);
+    enter_waiting();
 }
 
 /// A length follows the size of its axis: it is that of the whole axis, and the record has that of a pixel. An offset is
 /// entered once, as planes may have got positions and times of their own since.
-void VStackInfoImp::enter_waiting(const std::vector<std::uint64_t>& sizes_before)
+void VStackInfoImp::enter_waiting()
 {
     for (std::size_t axis = 0; axis < sizes.size(); ++axis)
     {
-        const bool is_new = axis >= sizes_before.size() || sizes_before[axis] != sizes[axis];
+        const bool is_new = axis >= entered_sizes.size() || entered_sizes[axis] != sizes[axis];
         if (waiting_lengths[axis] && is_new)
             is_refused([&] { meta.set_len(axis, lengths[axis]); });
         if (waiting_offsets[axis])
             is_refused([&] { meta.set_off(axis, offsets[axis]); });
     }
     waiting_offsets.assign(sizes.size(), false);
+    entered_sizes = sizes;
 }
 
 void VStackInfoImp::set_len(std::uint64_t axis, double len)
 {
     _chk_lock("VStackInfoImp::set_len", __LINE__);
     _chk_ax(axis);
-    lengths[axis] = len;
-    waiting_lengths[axis] = number_of_elements == 0;
-    if (number_of_elements != 0)
-        meta.set_len(axis, len);
+    mirrored_lengths().set(axis, len);
 }
 
 void VStackInfoImp::set_len(const std::vector<double>& lens)
 {
     _chk_lock("VStackInfoImp::set_len", __LINE__);
-    take_front(lens, lengths, waiting_lengths, number_of_elements == 0);
-    for (std::size_t d = 0; number_of_elements != 0 && d < lens.size(); ++d)
-        meta.set_len(d, lens[d]);
+    mirrored_lengths().set(lens);
 }
 
 void VStackInfoImp::set_off(std::uint64_t axis, double off)
 {
     _chk_lock("VStackInfoImp::set_off", __LINE__);
     _chk_ax(axis);
-    offsets[axis] = off;
-    waiting_offsets[axis] = number_of_elements == 0;
-    if (number_of_elements != 0)
-        meta.set_off(axis, off);
+    mirrored_offsets().set(axis, off);
 }
 
 void VStackInfoImp::set_off(const std::vector<double>& offs)
 {
     _chk_lock("VStackInfoImp::set_off", __LINE__);
-    take_front(offs, offsets, waiting_offsets, number_of_elements == 0);
-    for (std::size_t d = 0; number_of_elements != 0 && d < offs.size(); ++d)
-        meta.set_off(d, offs[d]);
+    mirrored_offsets().set(offs);
 }
 
 void VStackInfoImp::store_lengths(const std::vector<double>& lens)
 {
-    take_front(lens, lengths, waiting_lengths, number_of_elements == 0);
-    enter_lengths(lens);
+    mirrored_lengths().store(lens);
 }
 
 void VStackInfoImp::store_offsets(const std::vector<double>& offs)
 {
-    take_front(offs, offsets, waiting_offsets, number_of_elements == 0);
-    enter_offsets(offs);
+    mirrored_offsets().store(offs);
 }
 
 void VStackInfoImp::store_length(std::uint64_t axis, double len)
 {
-    lengths[axis] = len;
-    waiting_lengths[axis] = number_of_elements == 0;
-    if (number_of_elements != 0)
-        is_refused([&] { meta.set_len(axis, len); });
+    mirrored_lengths().store(axis, len);
 }
 
 void VStackInfoImp::store_offset(std::uint64_t axis, double off)
 {
-    offsets[axis] = off;
-    waiting_offsets[axis] = number_of_elements == 0;
-    if (number_of_elements != 0)
-        is_refused([&] { meta.set_off(axis, off); });
-}
-
-void VStackInfoImp::enter_lengths(const std::vector<double>& lens)
-{
-    for (std::size_t d = 0; number_of_elements != 0 && d < lens.size(); ++d)
-        is_refused([&] { meta.set_len(d, lens[d]); });
-}
-
-void VStackInfoImp::enter_offsets(const std::vector<double>& offs)
-{
-    for (std::size_t d = 0; number_of_elements != 0 && d < offs.size(); ++d)
-        is_refused([&] { meta.set_off(d, offs[d]); });
+    mirrored_offsets().store(axis, off);
 }
 
 void VStackInfoImp::set_acquisition_date()
@@ -237,9 +282,9 @@ void VStackInfoImp::set_info(const VStackInfoInterface* info)
     _chk_lock("VStackInfoImp::set_info", __LINE__);
     // A length that the record cannot express stops `set_len`; the axes behind it have theirs all the same.
     if (is_refused([&] { set_len(info->get_lengths()); }))
-        enter_lengths(info->get_lengths());
+        mirrored_lengths().enter_expressible(info->get_lengths());
     if (is_refused([&] { set_off(info->get_offsets()); }))
-        enter_offsets(info->get_offsets());
+        mirrored_offsets().enter_expressible(info->get_offsets());
     set_labels(info->get_labels());
     set_description(info->get_description());
     set_name(info->get_name());

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace {
 
@@ -60,27 +61,28 @@ double offset_of(const VStackInfoInterface* info, std::uint64_t axis, std::int64
            length_of(info, axis, count) * 0.5;
 }
 
-/// Where along its axis a slice lies that is cut away. For an equidistant axis that is its offset, whatever the slice:
-/// this is wanted.
-double position_of_slice(const VStackInfoInterface* info, std::uint64_t axis, const VStackRegion& region)
+/// Where along its axis a slice lies that is cut away; nowhere where the axis has no such column. For an equidistant axis
+/// that is its offset, whatever the slice: this is wanted.
+std::optional<double> position_of_slice(const VStackInfoInterface* info, std::uint64_t axis, const VStackRegion& region)
 {
     if (info->is_equidistant(axis))
         return info->get_offset(axis);
     const std::vector<double>& positions = info->get_col_positions(axis);
     const std::int64_t slice = axis < region.begin.size() ? region.begin[axis] : 0;
-    const bool is_inside = slice >= 0 && static_cast<std::uint64_t>(slice) < positions.size();
-    return is_inside ? positions[static_cast<std::size_t>(slice)] : 0.0;
+    if (slice < 0 || static_cast<std::uint64_t>(slice) >= positions.size())
+        return std::nullopt;
+    return positions[static_cast<std::size_t>(slice)];
 }
 
 /// Moves the columns of the matrix as the permutation moves the axes, one after the other in place: this is wanted.
 void permute_columns(VStackPosition& position, const std::vector<std::uint64_t>& permutation, std::uint64_t source_rank)
 {
     const std::size_t rows = position.origin.size();
-    const auto columns = static_cast<std::size_t>(permutation.size());
+    const std::size_t columns = permutation.size();
     for (std::size_t axis = 0; axis < columns; ++axis)
     {
         const std::uint64_t from = permutation[axis];
-        if (from >= std::min<std::uint64_t>(source_rank, columns))
+        if (from == axis || from >= std::min<std::uint64_t>(source_rank, columns))
             continue;
         const auto column = [&](std::uint64_t i)
         { return position.matrix.begin() + static_cast<std::ptrdiff_t>(i * rows); };
@@ -97,9 +99,11 @@ void move_origin(VStackPosition& position, const VStackInfoInterface* info, cons
     {
         if (std::ranges::find(region.permutation, axis) != region.permutation.end())
             continue;
-        const double slice = position_of_slice(info, axis, region);
+        const std::optional<double> slice = position_of_slice(info, axis, region);
+        if (!slice)
+            continue;
         for (std::size_t row = 0; row < rows; ++row)
-            position.origin[row] += from.matrix[row + axis * rows] * slice;
+            position.origin[row] += from.matrix[row + axis * rows] * *slice;
     }
 }
 
@@ -114,7 +118,8 @@ void VStackInfoImp::create(const VStackInfoInterface* info, const VStackRegion& 
         return;
     }
     bool exact = false;
-    create(region.validate(info, exact), region.dt == vela_dt_none ? info->get_dt() : region.dt);
+    const std::vector<std::uint64_t> asked_sizes = region.validate(info, exact);
+    create(asked_sizes, region.dt == vela_dt_none ? info->get_dt() : region.dt);
 
     const VStackPosition& from = info->get_stack_position();
     VStackPosition made;
@@ -123,7 +128,7 @@ void VStackInfoImp::create(const VStackInfoInterface* info, const VStackRegion& 
     set_name(info->get_name());
     for (std::uint64_t axis = 0; axis < region.permutation.size(); ++axis)
         if (region.permutation[axis] < info->get_rank())
-            take_axis(axis, info, region.permutation[axis], region);
+            take_axis(axis, asked_sizes[axis], info, region);
     permute_columns(made, region.permutation, info->get_rank());
     std::ranges::copy(from.labels, made.labels.begin());
     std::ranges::copy(from.origin, made.origin.begin());
@@ -131,11 +136,11 @@ void VStackInfoImp::create(const VStackInfoInterface* info, const VStackRegion& 
     set_stack_position(made);
 }
 
-/// What the region has of the axis `from` of `info`.
-void VStackInfoImp::take_axis(std::uint64_t axis, const VStackInfoInterface* info, std::uint64_t from,
+/// What the region has of the axis of `info` that becomes `axis`, with `count` pixels.
+void VStackInfoImp::take_axis(std::uint64_t axis, std::uint64_t count, const VStackInfoInterface* info,
                               const VStackRegion& region)
 {
-    const std::uint64_t count = get_dimension_size(axis);
+    const std::uint64_t from = region.permutation[axis];
     const Columns columns(region, from, info->get_dimension_size(from));
     const bool equidistant_there = info->is_equidistant(from);
     set_label(axis, info->get_label(from));

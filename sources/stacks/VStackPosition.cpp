@@ -3,6 +3,7 @@
 #include <VelaStacks/VStackPosition.h>
 
 #include <cstddef>
+#include <utility>
 
 namespace {
 

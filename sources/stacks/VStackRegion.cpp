@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <utility>
 
 VStackRegion::VStackRegion() = default;
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -112,7 +113,7 @@ struct Resolution
     void cut(std::size_t axis)
     {
         const std::int64_t slice = axis < region.begin.size() ? region.begin[axis] : 0;
-        const bool inside = slice >= 0 && static_cast<std::uint64_t>(slice) < info->get_dimension_size(axis);
+        const bool inside = slice >= 0 && slice < Vela::detail::as_position(info->get_dimension_size(axis));
         source.begin[axis] = inside ? slice : 0;
         source.end[axis] = inside ? slice + 1 : 0;
     }

@@ -223,6 +223,17 @@ TEST(RegionOfAStack, SliceOutsideTheStackIsAnEmptySource)
     }
 }
 
+TEST(RegionOfAStack, SliceAtTheLargestPositionIsOutside)
+{
+    const Resolved resolved(region_of({INT64_MAX, 0}, {VStackRegion::unspecified, 0}, {1}), {UINT64_MAX, 0});
+    EXPECT_TRUE(resolved.source.is_empty());
+    EXPECT_THAT(resolved.source.begin, ElementsAre(0, 0));
+    EXPECT_THAT(resolved.source.end, ElementsAre(0, 0));
+    const Resolved last(region_of({INT64_MAX - 1, 0}, {VStackRegion::unspecified, 0}, {1}), {UINT64_MAX, 0});
+    EXPECT_THAT(last.source.begin, ElementsAre(INT64_MAX - 1, 0));
+    EXPECT_THAT(last.source.end, ElementsAre(INT64_MAX, 0));
+}
+
 TEST(RegionOfAStack, ShorterThanTheStackCutsAtPixelZero)
 {
     const Resolved resolved(region_of({1}, {3}, {0}), {4, 5});

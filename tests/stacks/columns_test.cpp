@@ -25,6 +25,18 @@ OpenInfo four_pixels()
     return info;
 }
 
+TEST(ColumnLabels, OfAnAxisThatHasGrownCannotBeTakenOver)
+{
+    OpenInfo info(Sizes{2});
+    info.set_col_labels(0, {"a", "b"});
+    info.set_sizes({3});
+    EXPECT_THAT(info.get_col_labels(0), ElementsAre("a", "b"));
+    OpenInfo other;
+    EXPECT_VELA_ERROR_IN(other.create(&info, vela_dt_none), "VStackInfoImp::set_col_labels", folder, -15,
+                         "Wrong number of labels!");
+    EXPECT_THAT(other.get_sizes(), ElementsAre(3));
+}
+
 TEST(ColumnPositions, OfAnEquidistantAxisAreFilledByTheGetter)
 {
     OpenInfo info = four_pixels();

@@ -8,6 +8,8 @@
 #include "stacks/open_info.h"
 #include "support/expect_vela_error.h"
 
+#include <limits>
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 using vela_test::Doubles;
@@ -200,6 +202,19 @@ TEST_F(DescriptionOfRegion, SlicesOutsideNonEquidistantAxesDoNotMoveTheOrigin)
     EXPECT_THAT(info.get_stack_position().origin, ElementsAre(11, 26, 41, 56)) << "without a begin at pixel 0";
 }
 
+TEST_F(DescriptionOfRegion, SlicesOutsideLeaveTheOriginAloneWhateverTheMatrix)
+{
+    VStackPosition position;
+    position.create(&source, 0);
+    position.origin[0] = 10.0;
+    position.matrix[3] = std::numeric_limits<double>::infinity(); // from axis 1
+    source.set_stack_position(position);
+    source.set_off(2, 0.0);
+    source.set_col_positions(1, {0.5, 1.5, 2.5, 3.5, 4.5, 5.5});
+    info.create(&source, region_of({0, 6, 0}, {8, 7, 4}, {0}));
+    EXPECT_THAT(info.get_stack_position().origin, ElementsAre(10, 0, 0));
+}
+
 TEST_F(DescriptionOfRegion, CutsAlongAnyTwoAxesArePlanes)
 {
     for (const Sizes& permutation : {Sizes{0, 1}, Sizes{0, 2}, Sizes{1, 2}, Sizes{2, 1}})
@@ -274,6 +289,28 @@ public:
 
     Texts calls;
 };
+
+/// Has no columns along its last axis when it is created.
+class WithoutColumns : public OpenInfo
+{
+public:
+    using VStackInfoImp::create;
+    void create(const Sizes& new_sizes, vela_dt new_dt) override
+    {
+        Sizes empty = new_sizes;
+        empty.back() = 0;
+        VStackInfoImp::create(empty, new_dt);
+    }
+};
+
+TEST_F(DescriptionOfRegion, HasLengthsOfTheRegionWhateverCreateMakesOfIt)
+{
+    WithoutColumns other;
+    other.create(&source, region_of({0, 0, 0}, {8, 3, 4}, {0, 1}));
+    EXPECT_THAT(other.get_sizes(), ElementsAre(8, 0));
+    EXPECT_THAT(other.get_lengths(), ElementsAre(16.0, 6.0));
+    EXPECT_THAT(other.get_offsets(), ElementsAre(100.0, 47.0));
+}
 
 TEST_F(DescriptionOfRegion, IsMadeThroughTheVirtualOperations)
 {

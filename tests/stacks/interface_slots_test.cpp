@@ -8,6 +8,7 @@
 #include "support/slot_of.h"
 
 #include <cstring>
+#include <type_traits>
 
 namespace {
 
@@ -100,6 +101,11 @@ TEST(DescriptionTable, EndsWithTheDestructor)
             different.push_back(i);
     // One virtual destructor takes two slots: complete object, and deleting.
     EXPECT_THAT(different, testing::ElementsAre(41, 42));
+}
+
+TEST(DescriptionInterface, IsNotAssigned)
+{
+    EXPECT_FALSE((std::is_assignable_v<Info&, const Info&>));
 }
 
 template <class... Fields>

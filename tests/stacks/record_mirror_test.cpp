@@ -182,6 +182,79 @@ TEST(RecordMirror, LengthsThatWaitedFollowAGrowingStack)
     EXPECT_EQ(info.meta_data().physical_size_z.get(), 3.0);
 }
 
+TEST(RecordMirror, LengthsWaitOnWhereTheRecordRefusesTheSizes)
+{
+    OpenInfo info(Sizes{0, 0});
+    info.set_len(Doubles{8.0, 10.0});
+    EXPECT_THROW_TEXT(info.create(Sizes{4, 5, 1, 1, 1, 1}, vela_dt_uint8), std::invalid_argument,
+                      "Unsupported number of sizes");
+    OpenInfo copy(info);
+    for (OpenInfo* const mended : {&info, &copy})
+    {
+        mended->create(Sizes{4, 5}, vela_dt_uint8);
+        EXPECT_EQ(mended->meta_data().physical_size_x.get(), 2.0);
+        EXPECT_EQ(mended->meta_data().physical_size_y.get(), 2.0);
+    }
+}
+
+TEST(RecordMirror, LengthsWaitOnWhereTheRecordRefusesOneOfTheSizes)
+{
+    OpenInfo info(Sizes{0, 0});
+    info.set_len(Doubles{8.0, 10.0});
+    EXPECT_BAD_CAST(info.create(Sizes{1, std::uint64_t{1} << 63}, vela_dt_uint8));
+    EXPECT_EQ(info.meta_data().size_x, 1) << "what comes before is there";
+    info.create(Sizes{1, 5}, vela_dt_uint8);
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 8.0);
+    EXPECT_EQ(info.meta_data().physical_size_y.get(), 2.0);
+}
+
+TEST(RecordMirror, LengthsThatAreEnteredStayWhereTheRecordRefusesSizesInBetween)
+{
+    OpenInfo info(Sizes{0, 0});
+    info.set_len(Doubles{8.0, 10.0});
+    info.create(Sizes{4, 5}, vela_dt_uint8);
+    info.meta_data().physical_size_x = 7.0;
+    EXPECT_THROW_TEXT(info.create(Sizes{1, 5, 1, 1, 1, 1}, vela_dt_uint8), std::invalid_argument,
+                      "Unsupported number of sizes");
+    info.create(Sizes{4, 5}, vela_dt_uint8);
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 7.0) << "the record still has these sizes";
+    info.create(Sizes{2, 5}, vela_dt_uint8);
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 4.0);
+}
+
+TEST(RecordMirror, FirstGrowthSaysWhichPlanesAnOffsetThatWaitedGets)
+{
+    OpenInfo one_by_one({4, 5, 0});
+    OpenInfo at_once({4, 5, 0});
+    for (OpenInfo* const info : {&one_by_one, &at_once})
+        info->set_off(Doubles{1.0, 2.0, 3.0});
+    for (std::uint64_t planes = 1; planes <= 3; ++planes)
+        one_by_one.set_variable_size(planes);
+    at_once.set_variable_size(3);
+    EXPECT_EQ(one_by_one.meta_data().planes[0]->position_z.get(), 3.0);
+    EXPECT_TRUE(one_by_one.meta_data().planes[1]->position_x.is_null());
+    for (std::size_t plane = 0; plane < 3; ++plane)
+    {
+        EXPECT_EQ(at_once.meta_data().planes[plane]->position_x.get(), 1.0);
+        EXPECT_EQ(at_once.meta_data().planes[plane]->position_z.get(), 2.0 + static_cast<double>(plane));
+    }
+    OpenInfo timed({4, 5, 1, 0});
+    timed.set_len(3, 6.0);
+    timed.set_off(3, 9.0);
+    timed.set_variable_size(1);
+    timed.set_variable_size(2);
+    EXPECT_EQ(timed.meta_data().time_increment.get(), 3.0);
+    EXPECT_TRUE(timed.meta_data().planes[0]->delta_t.is_null());
+}
+
+TEST(RecordMirror, EntriesBehindTheRankAreDroppedWithoutElements)
+{
+    OpenInfo info({4, 0});
+    info.set_len(Doubles{8.0, 10.0, 3.0});
+    info.set_variable_size(5);
+    EXPECT_EQ(info.meta_data().physical_size_z.get(), 1.0);
+}
+
 TEST(RecordMirror, OffsetsThatWaitedLeaveLaterPlanesToTheCaller)
 {
     OpenInfo info({4, 5, 0});
