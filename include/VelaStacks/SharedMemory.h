@@ -19,8 +19,9 @@ class SharedSegment;
 /// No lock and no order: what one side writes the other sees through its own mapping, and when is settled between the
 /// callers.
 ///
-/// Every failure is a `boost::interprocess::interprocess_exception` and leaves nothing behind, no name either. What
-/// went wrong is in its `get_error_code()`.
+/// What the system refuses is a `boost::interprocess::interprocess_exception`, with the cause in its `get_error_code()`.
+/// Besides there are `std::bad_alloc` and, where the system has no random numbers for a name,
+/// `boost::uuids::entropy_error`. No failure leaves anything behind, no name either.
 class VELA_API SharedMemory
 {
 public:
@@ -37,7 +38,8 @@ public:
     SharedMemory& operator=(const SharedMemory&) = delete;
 
     /// Unmaps the segment. The creator also removes its name: nobody can attach any more, and those who have done so
-    /// keep their bytes. A process that ends without this leaves the name and the memory behind.
+    /// keep their bytes. A process that ends without this leaves the name and the memory behind. In a process that was
+    /// forked off from that of the creator, the copy of this object unmaps the segment and leaves the name.
     ~SharedMemory();
 
     /// The name: the creator makes it a random UUID, 36 lower-case characters. The text belongs to this object.

@@ -41,10 +41,11 @@ public:
     /// `source` may be this stack, or one that shares its samples: then it works as if it had been copied first.
     ///
     /// Some things are as they are:
-    /// - A type that is not numeric is copied where the region is all of `source` in its order and in its own type, and
-    ///   otherwise not at all; what lies outside becomes 0 all the same.
-    /// - The region that is all of `source` in its order leaves the block as it was where `vela_dt_convert` does not
-    ///   support the two types, as from complex to real. Any other region takes the real part then.
+    /// - The region that is all of `source` in its order is copied as it is where the type stays, whatever type that is, and
+    ///   as `vela_dt_convert` does it otherwise. Where that does not support the two types, as from complex to real, the
+    ///   block is left as it was.
+    /// - Any other region takes the real part then. Into a type that is not numeric it copies nothing; what lies outside
+    ///   becomes 0 all the same.
     /// - A region that has nothing in common with `source` leaves the block as it was.
     /// - So does a region that is empty along an axis that it cuts away, where it is in the order of `source`; in any other
     ///   order the slice at `begin` counts.
@@ -53,8 +54,10 @@ public:
     /// description, since somebody who shares it has changed its size, is copied as far as it goes.
     ///
     /// @throws what `create` on a region throws; see there and at `VStackImp` for what is left
-    /// @throws VelaError id -1 "Invalid type!": `source` has no numeric type, and the region is not all of it in its order;
-    ///         the description is the new one
+    /// @throws VelaError id -1 "Invalid type!": `source` has no numeric type where the new type is numeric, and the region,
+    ///         which has something in common with `source`, is not all of it in its order; the description is the new one
+    /// @throws VelaError id -1 "Out of memory": also where `source` shares samples with this stack and cannot be kept;
+    ///         nothing has changed then
     virtual void copy(const VStackInterface* source, const VStackRegion& region) = 0;
 
     /// All of `source` in the type `dt`, 0 being its own.
@@ -111,11 +114,11 @@ public:
     /// @throws std::bad_alloc
     void resize(std::uint64_t size_bytes);
     /// Goes to shared memory where it is not there yet, and gives the id.
-    /// @throws what `Vela::SharedMemory` throws; nothing has changed then
+    /// @throws what `Vela::SharedMemory` throws; the samples are where they were then
     const char* share();
 
     /// Null in shared memory.
-    Vela::SampleBlock* private_block() { return local.get(); }
+    const boost::shared_ptr<Vela::SampleBlock>& private_block() { return local; }
 
 private:
     boost::shared_ptr<Vela::SampleBlock> local; ///< exactly one of the two is set
@@ -127,8 +130,9 @@ private:
 /// Its copies share the samples: what one writes the others see. Each has a description of its own, and the block has
 /// the size that was last asked for by any of them.
 ///
-/// Every `create` gives the block the size of the new description; old bytes stay, new ones are 0. A failure leaves the
-/// new description with the old block:
+/// Every `create` gives the block the size of the new description; old bytes stay, new ones are 0. Sizes of one axis need
+/// their type: `create({0}, dt)` is the form on another stack, with a null pointer, and
+/// `create(std::vector<std::uint64_t>{0}, dt)` is what was meant. A failure leaves the new description with the old block:
 /// @throws VelaError id -1 "Unknown type of elements": there are elements, and their type has no size. Without sizes
 ///         and type there is one element of no type, so this cannot be created.
 /// @throws VelaError id -1 "The size increases the maximum size": more bytes than can be counted

@@ -66,6 +66,7 @@ typedef void (*DebugSink)(const char* text);
 DebugSink set_debug_sink(DebugSink sink);
 
 std::uint32_t thread_id();
+std::uint32_t process_id();
 
 /// A recursive mutex.
 void* make_mutex();

@@ -17,6 +17,10 @@ namespace {
 /// The most that Linux moves in one read or write.
 constexpr std::size_t max_system_transfer = 0x7ffff000;
 
+/// A reservation that a signal interrupts may give back all that it has taken. With a timer that fires again and again a
+/// large one then never comes to its end; one of this size fits between two signals.
+constexpr std::uint64_t reserved_at_once = std::uint64_t{4} * 1024 * 1024;
+
 std::atomic<DebugSink> debug_sink = nullptr;
 
 template <class Call>
@@ -148,10 +152,21 @@ int reserve(void* handle, std::uint64_t size_bytes)
     if (size_bytes == 0)
         return 0; // the call refuses to reserve nothing
     const int descriptor = descriptor_of_handle(handle);
-    int error = EINTR;
-    while (error == EINTR) // this call gives its error and leaves errno alone
-        error = posix_fallocate(descriptor, 0, static_cast<off_t>(size_bytes));
-    return error;
+    // All at once first: a size that nobody has is refused before anything is taken. The call gives its error and leaves
+    // errno alone.
+    int error = posix_fallocate(descriptor, 0, static_cast<off_t>(size_bytes));
+    if (error != EINTR)
+        return error;
+    for (std::uint64_t done = 0; done < size_bytes; done += reserved_at_once)
+    {
+        const std::uint64_t piece = std::min(reserved_at_once, size_bytes - done);
+        do
+            error = posix_fallocate(descriptor, static_cast<off_t>(done), static_cast<off_t>(piece));
+        while (error == EINTR);
+        if (error != 0)
+            return error;
+    }
+    return 0;
 }
 
 bool remove_file(const std::string& path)
@@ -193,6 +208,11 @@ DebugSink set_debug_sink(DebugSink sink)
 std::uint32_t thread_id()
 {
     return static_cast<std::uint32_t>(gettid());
+}
+
+std::uint32_t process_id()
+{
+    return static_cast<std::uint32_t>(getpid());
 }
 
 void* make_mutex()

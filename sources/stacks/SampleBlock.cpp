@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -59,23 +60,29 @@ void Vela::SampleBlock::set_new_bytes(std::uint64_t from, std::uint64_t to)
         std::memset(bytes + from, 0, to - from);
 }
 
-Vela::SampleBlock::Overwriting::Overwriting(SampleBlock* overwritten) : block(overwritten)
+void Vela::SampleBlock::set_the_rest()
+{
+    if (unset_from < size_bytes)
+        std::memset(bytes + unset_from, 0, size_bytes - unset_from);
+    unset_from = all_set;
+}
+
+Vela::SampleBlock::Overwriting::Overwriting(boost::shared_ptr<SampleBlock> overwritten) : block(std::move(overwritten))
 {
     if (block != nullptr)
         block->leaves_new_bytes = true;
 }
 
-void Vela::SampleBlock::Overwriting::done()
+void Vela::SampleBlock::Overwriting::written(const unsigned char* first, std::uint64_t size)
 {
-    if (block != nullptr)
-        block->unset_from = all_set;
+    if (block != nullptr && first == block->bytes && block->unset_from < size)
+        block->unset_from = size;
 }
 
 void Vela::SampleBlock::Overwriting::fill()
 {
-    if (block != nullptr && block->unset_from < block->size_bytes)
-        std::memset(block->bytes + block->unset_from, 0, block->size_bytes - block->unset_from);
-    done();
+    if (block != nullptr)
+        block->set_the_rest();
 }
 
 Vela::SampleBlock::Overwriting::~Overwriting()

@@ -3,6 +3,7 @@
 
 #include <VelaBase/export.h>
 
+#include <boost/shared_ptr.hpp>
 #include <cstdint>
 
 namespace Vela {
@@ -27,6 +28,9 @@ public:
     /// Empties the block and gives its memory back.
     void clear();
 
+    /// New bytes that were left as they are become 0.
+    void set_the_rest();
+
     class Overwriting;
 
 private:
@@ -40,25 +44,25 @@ private:
     void set_new_bytes(std::uint64_t from, std::uint64_t to);
 };
 
-/// While it lives, the new bytes of a block are left as they are, since all of them are about to be written. Where that
-/// does not come to pass they become 0 at the end.
+/// While it lives, the new bytes of a block are left as they are, since all of them are about to be written. Those that
+/// were not written become 0 at the end. The block stays until then, also if its stack lets go of it.
 class SampleBlock::Overwriting
 {
 public:
     /// `overwritten` may be null: a block that does not grow.
-    explicit Overwriting(SampleBlock* overwritten);
+    explicit Overwriting(boost::shared_ptr<SampleBlock> overwritten);
     Overwriting(const Overwriting&) = delete;
     Overwriting& operator=(const Overwriting&) = delete;
     ~Overwriting();
 
-    /// Every byte has been written.
-    void done();
+    /// The `size` bytes from `first` on have been written. Counts where they are the first ones of the block.
+    void written(const unsigned char* first, std::uint64_t size);
 
     /// Not every byte is going to be written: the new ones become 0 now.
     void fill();
 
 private:
-    SampleBlock* block;
+    const boost::shared_ptr<SampleBlock> block;
 };
 
 VELA_ABI_NAMESPACE_END

@@ -21,14 +21,16 @@ public:
 
     ipc::shared_memory_object object;
     bool owner = false;
+    std::uint32_t creator = 0; ///< the process that made the segment
     ipc::mapped_region region;
 };
 
-// The region goes first, then the name; the members' own destructors come last and close the object.
+// The region goes first, then the name; the members' own destructors come last and close the object. A process that was
+// forked off has a copy of the object, but the name is not its own.
 Vela::SharedSegment::~SharedSegment()
 {
     ipc::mapped_region().swap(region);
-    if (owner)
+    if (owner && platform::process_id() == creator)
         ipc::shared_memory_object::remove(object.get_name());
 }
 
@@ -37,6 +39,7 @@ void Vela::SharedSegment::create(std::uint64_t size_bytes)
     const std::string name = boost::uuids::to_string(boost::uuids::random_generator()());
     ipc::shared_memory_object(ipc::create_only, name.c_str(), ipc::read_write, ipc::permissions()).swap(object);
     owner = true;
+    creator = platform::process_id();
     // A size above the signed range turns negative, which the system refuses.
     object.truncate(static_cast<ipc::offset_t>(size_bytes));
     if (const int error =

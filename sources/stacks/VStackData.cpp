@@ -54,6 +54,7 @@ const char* VStackData::share()
     if (local)
     {
         shared = boost::make_shared<Vela::SharedMemory>(local->size());
+        local->set_the_rest(); // a copy may be under way
         if (local->size() != 0)
             std::memcpy(shared->data(), local->data(), local->size());
         local.reset();

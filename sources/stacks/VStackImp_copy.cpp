@@ -14,6 +14,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -36,12 +37,9 @@ public:
     {
         if (described == static_cast<const VStackInfoInterface*>(&target))
             described = &own_description.emplace(target);
-        if (overlaps(target.get_data_ptr(), target.get_block_size()))
-        {
-            own_bytes = std::make_unique_for_overwrite<unsigned char[]>(block_bytes);
-            std::memcpy(own_bytes.get(), first, block_bytes);
-            first = own_bytes.get();
-        }
+        // The block that is written, whatever a derived class gives for its own.
+        if (overlaps(target.VStackImp::get_data_ptr(), target.get_block_size()))
+            keep_bytes();
     }
 
     const VStackInfoInterface* info() const { return described; }
@@ -55,6 +53,20 @@ private:
         const std::less<const unsigned char*> before;
         return block_bytes != 0 && other_bytes != 0 && before(first, other + other_bytes) &&
                before(other, first + block_bytes);
+    }
+
+    void keep_bytes()
+    {
+        try
+        {
+            own_bytes = std::make_unique_for_overwrite<unsigned char[]>(block_bytes);
+        }
+        catch (const std::bad_alloc&)
+        {
+            throw VelaError("VStackImp::copy", __FILE__, __LINE__)("Out of memory");
+        }
+        std::memcpy(own_bytes.get(), first, block_bytes);
+        first = own_bytes.get();
     }
 
     const VStackInfoInterface* described;
@@ -96,24 +108,20 @@ void copy_whole(const CopySource& source, const VStackImp& target, unsigned char
                   source.size_bytes() / source_sample, target.get_block_size() / target_sample});
     if (count == 0)
         return;
-    const bool is_all = count == target.get_number_of_elements();
-    if (!is_all)
-        overwriting.fill();
     if (source.dt() == target.get_dt())
         std::memcpy(data, source.data(), count * target_sample);
     else if (vela_dt_convert(static_cast<std::uint32_t>(source.dt()), static_cast<std::uint32_t>(target.get_dt()),
                              source.data(), data, count, nullptr, nullptr) != 0)
         return; // such types leave the block as it was
-    if (is_all)
-        overwriting.done();
+    overwriting.written(data, count * target_sample);
 }
 
-/// Gives the number of bytes.
-std::uint64_t fill_with_zeros(unsigned char* bytes, std::uint64_t count)
+void fill_with_zeros(unsigned char* bytes, std::uint64_t count, Overwriting& overwriting)
 {
-    if (count != 0)
-        std::memset(bytes, 0, count);
-    return count;
+    if (count == 0)
+        return;
+    std::memset(bytes, 0, count);
+    overwriting.written(bytes, count);
 }
 
 /// A box of a stack: the offset of its first sample and its strides, in bytes.
@@ -169,8 +177,8 @@ void copy_box(const CopySource& source, const VStackRegion& source_box, const VS
     if (!writes_all)
         overwriting.fill();
     Vela::detail::copy_samples(copy);
-    if (writes_all)
-        overwriting.done();
+    if (writes_all) // of the description: a derived class may have made the block larger
+        overwriting.written(data, target.get_size(vela_dt_none));
 }
 
 }
@@ -199,13 +207,13 @@ void VStackImp::copy(const VStackInterface* source, const VStackRegion& region)
         throw VelaError("VStackImp::copy", __FILE__, __LINE__)("Internal error!");
     if (source_box.is_empty() || target_box.is_empty())
         return;
-    if (order.identity && exact && region.is_empty()) // only along an axis that is cut away: no walk over it begins
-        return;
-    if (!exact && fill_with_zeros(data.data(), std::min(get_size(vela_dt_none), data.size())) == data.size())
-        overwriting.done();
+    if (!exact)
+        fill_with_zeros(data.data(), std::min(get_size(vela_dt_none), data.size()), overwriting);
     if (!Vela::detail::is_sample_type(get_dt()))
         return;
     if (!Vela::detail::is_sample_type(from.dt()))
-        Vela::detail::fail_invalid_type(__LINE__);
+        throw VelaError("VStackInterface::get_iterator", __FILE__, __LINE__)("Invalid type!");
+    if (order.identity && exact && region.is_empty()) // only along an axis that is cut away: no walk over it begins
+        return;
     copy_box(from, source_box, *this, target_box, data.data(), exact, overwriting);
 }

@@ -1,3 +1,4 @@
+#include <VelaBase/VelaError.h>
 #include <VelaStacks/VStackRegion.h>
 #include <VelaStacks/iterators.h>
 
@@ -94,7 +95,7 @@ boost::shared_ptr<VStackInterface::iterator_base> VStackInterface::get_iterator(
         Vela::detail::AllSampleTypes::visit(get_dt(), [&]<class T>(Vela::detail::SampleType<T>)
                                             { made = boost::make_shared<const_iterator<T>>(this, region); });
     if (!is_known)
-        Vela::detail::fail_invalid_type(__LINE__);
+        throw VelaError("VStackInterface::get_iterator", __FILE__, __LINE__)("Invalid type!");
     return made;
 }
 

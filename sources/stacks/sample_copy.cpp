@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 namespace {
 
@@ -77,6 +78,35 @@ std::vector<CopyAxis> simplified(std::vector<CopyAxis> axes)
     return joined;
 }
 
+/// Memory for tiles. That of a small copy is part of this object, since to ask for it would take longer than the copy; that
+/// of a large one is not, since the stack of a thread may be small.
+class TileBuffers
+{
+public:
+    /// So many bytes, which are whole lines; once.
+    unsigned char* take(std::uint64_t size_bytes)
+    {
+        if (size_bytes <= sizeof few)
+            return few[0].bytes.data();
+        many = std::make_unique_for_overwrite<Line[]>(size_bytes / sizeof(Line));
+        return many[0].bytes.data();
+    }
+
+    /// As much as `size_bytes` takes in whole lines.
+    static constexpr std::uint64_t whole_lines(std::uint64_t size_bytes)
+    {
+        return (size_bytes + sizeof(Line) - 1) / sizeof(Line) * sizeof(Line);
+    }
+
+private:
+    struct alignas(64) Line
+    {
+        std::array<unsigned char, 64> bytes;
+    };
+    std::array<Line, 64> few;
+    std::unique_ptr<Line[]> many;
+};
+
 class BoxCopy
 {
 public:
@@ -98,6 +128,8 @@ public:
         if (is_transposed)
             std::rotate(others, fastest, fastest + 1);
         const bool in_tiles = is_transposed && axes[1].extent >= shortest_tile;
+        if (in_tiles || !is_side_by_side() || has_short_rows())
+            take_buffers();
         // Outer axes descending: the slowest in the target first.
         std::reverse(axes.begin() + 2, axes.end());
         for_each_start(axes.data() + 2, axes.data() + axes.size(), 0, 0,
@@ -123,12 +155,29 @@ private:
         return axes[0].source_stride == convert.source_size() && axes[0].target_stride == convert.target_size();
     }
 
+    /// Whether rows are converted several at a time.
+    bool has_short_rows() const { return !convert.is_plain() && axes[0].extent < long_row; }
+
+    /// For as many samples as a tile has, or the whole copy where that has fewer.
+    void take_buffers()
+    {
+        std::uint64_t count = 1;
+        for (const CopyAxis& axis : axes)
+            count = saturating_multiply(count, axis.extent);
+        const std::uint64_t sample_size = std::max(convert.source_size(), convert.target_size());
+        const std::uint64_t size = TileBuffers::whole_lines(std::min(count, tile_capacity()) * sample_size);
+        raw = buffers.take(is_streamed ? 3 * size : 2 * size);
+        converted = raw + size;
+        if (is_streamed)
+            arranged = converted + size;
+    }
+
     /// How many samples a tile has at most.
     std::uint64_t tile_capacity() const { return tile_bytes / std::max(convert.source_size(), convert.target_size()); }
 
     void copy_rows(const unsigned char* from, unsigned char* to)
     {
-        if (!convert.is_plain() && axes[0].extent < long_row)
+        if (has_short_rows())
             return copy_short_rows(from, to);
         const std::uint64_t extent = axes[0].extent;
         for (std::uint64_t j = 0; j < axes[1].extent; ++j)
@@ -146,12 +195,12 @@ private:
         {
             const std::uint64_t count = std::min(most, axes[1].extent - done);
             for (std::uint64_t j = 0; j < count; ++j)
-                std::copy_n(from + (done + j) * axes[1].source_stride, source_row, raw.data() + j * source_row);
+                std::copy_n(from + (done + j) * axes[1].source_stride, source_row, raw + j * source_row);
             unsigned char* const target_rows = to + done * axes[1].target_stride;
             const bool has_gaps = axes[1].target_stride != target_row;
-            convert(raw.data(), has_gaps ? converted.data() : target_rows, count * row);
+            convert(raw, has_gaps ? converted : target_rows, count * row);
             for (std::uint64_t j = 0; has_gaps && j < count; ++j)
-                std::copy_n(converted.data() + j * target_row, target_row, target_rows + j * axes[1].target_stride);
+                std::copy_n(converted + j * target_row, target_row, target_rows + j * axes[1].target_stride);
         }
     }
 
@@ -173,8 +222,8 @@ private:
     void copy_column(const unsigned char* from, unsigned char* to, std::uint64_t count)
     {
         const bool target_has_gaps = axes[0].target_stride != convert.target_size();
-        unsigned char* const end = target_has_gaps ? converted.data() : to;
-        unsigned char* const gathered = convert.is_plain() ? end : raw.data();
+        unsigned char* const end = target_has_gaps ? converted : to;
+        unsigned char* const gathered = convert.is_plain() ? end : raw;
         source_moves.gather(from, axes[0].source_stride, gathered, count);
         if (!convert.is_plain())
             convert(gathered, end, count);
@@ -205,13 +254,13 @@ private:
         {
             if (i + rows_ahead < rows)
                 prefetch_row(from + (i + rows_ahead) * axes[0].source_stride, source_row);
-            load_row(from + i * axes[0].source_stride, raw.data() + i * source_row, columns);
+            load_row(from + i * axes[0].source_stride, raw + i * source_row, columns);
         }
-        const unsigned char* tile = raw.data();
+        const unsigned char* tile = raw;
         if (!convert.is_plain())
         {
-            convert(raw.data(), converted.data(), rows * columns);
-            tile = converted.data();
+            convert(raw, converted, rows * columns);
+            tile = converted;
         }
         const bool has_whole_lines =
             axes[0].target_stride == convert.target_size() && rows * convert.target_size() >= tile_row_bytes / 2;
@@ -230,9 +279,9 @@ private:
         {
             const std::uint64_t count = std::min(most, columns - done);
             target_moves.transpose(tile + done * convert.target_size(), columns * convert.target_size(), rows, count,
-                                   arranged.data(), convert.target_size(), target_row);
+                                   arranged, convert.target_size(), target_row);
             for (std::uint64_t j = 0; j < count; ++j)
-                stream_row(arranged.data() + j * target_row, to + (done + j) * axes[1].target_stride, target_row);
+                stream_row(arranged + j * target_row, to + (done + j) * axes[1].target_stride, target_row);
         }
     }
 
@@ -251,9 +300,10 @@ private:
     const unsigned char* source;
     unsigned char* target;
     const bool is_streamed;
-    alignas(64) std::array<unsigned char, tile_bytes> raw;
-    alignas(64) std::array<unsigned char, tile_bytes> converted;
-    alignas(64) std::array<unsigned char, tile_bytes> arranged;
+    TileBuffers buffers;
+    unsigned char* raw = nullptr;
+    unsigned char* converted = nullptr;
+    unsigned char* arranged = nullptr; ///< null where nothing is streamed
 };
 
 /// How many samples of an axis begin within so many bytes.

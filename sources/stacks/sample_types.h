@@ -1,7 +1,6 @@
 /// The types that iterators read and write.
 #pragma once
 
-#include <VelaBase/VelaError.h>
 #include <VelaBase/vela_dt.h>
 #include <VelaProps/VProp.h>
 
@@ -56,12 +55,6 @@ using AllSampleTypes = SampleTypes<std::uint64_t, std::uint32_t, std::uint16_t, 
 inline bool is_sample_type(vela_dt dt)
 {
     return AllSampleTypes::visit(dt, [](auto) {});
-}
-
-/// There is no iterator for the type of a stack.
-[[noreturn]] inline void fail_invalid_type(int line)
-{
-    throw VelaError("VStackInterface::get_iterator", __FILE__, line)("Invalid type!");
 }
 
 }

@@ -2,6 +2,7 @@
 // fail; the names that are left are counted by support/shared_names.cpp.
 
 #include <VelaStacks/SharedMemory.h>
+#include <VelaStacks/VStack.h>
 
 #include "support/shared_names.h"
 
@@ -17,6 +18,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 using boost::interprocess::interprocess_exception;
 using Vela::SharedMemory;
@@ -28,8 +30,13 @@ struct Script
 {
     int truncate_error = 0;
     int reserve_error = 0;
+    int map_error = 0;
     int reserve_interruptions = 0;
-    off_t reserved = 0; ///< what was reserved last
+    /// Reservations of more are always interrupted, as by a timer that fires again and again; after so many in vain the
+    /// system gives up.
+    off_t most_reserved_at_once = INT64_MAX;
+    int interruptions_left = 100;
+    off_t reserved = 0; ///< bytes from the start on, without a gap
 };
 Script script;
 
@@ -82,8 +89,21 @@ extern "C" __attribute__((visibility("default"))) int posix_fallocate(int descri
     }
     if (script.reserve_error != 0)
         return script.reserve_error;
-    script.reserved = size;
+    if (size > script.most_reserved_at_once)
+        return script.interruptions_left-- > 0 ? EINTR : EIO;
+    if (offset == script.reserved)
+        script.reserved += size;
     return next(descriptor, offset, size);
+}
+
+extern "C" __attribute__((visibility("default"))) void* mmap(void* address, size_t size, int protection, int flags,
+                                                             int descriptor, off_t offset) noexcept
+{
+    static const auto next = next_definition<void*(void*, size_t, int, int, int, off_t)>("mmap");
+    if (script.map_error == 0)
+        return next(address, size, protection, flags, descriptor, offset);
+    errno = script.map_error;
+    return MAP_FAILED;
 }
 
 namespace {
@@ -113,6 +133,61 @@ TEST_F(SharedMemoryFailure, IsNoneWhenTheReservationIsInterrupted)
     EXPECT_EQ(script.reserve_interruptions, 0);
     EXPECT_EQ(script.reserved, 123456);
     EXPECT_EQ(memory.size(), 123456u);
+}
+
+TEST_F(SharedMemoryFailure, IsNoneWhenEveryLargeReservationIsInterrupted)
+{
+    const off_t size = off_t{10} * 1024 * 1024 + 5;
+    script.most_reserved_at_once = off_t{4} * 1024 * 1024;
+    const SharedMemory memory(static_cast<std::uint64_t>(size));
+    EXPECT_EQ(script.reserved, size);
+    EXPECT_EQ(memory.size(), static_cast<std::uint64_t>(size));
+}
+
+TEST_F(SharedMemoryFailure, OfAPieceOfTheReservationLeavesNoName)
+{
+    script.reserve_interruptions = 1;
+    script.reserve_error = ENOSPC;
+    expect_error(100, ENOSPC);
+}
+
+TEST_F(SharedMemoryFailure, OfTheMappingLeavesNoName)
+{
+    script.map_error = ENOMEM;
+    expect_error(100, ENOMEM);
+    script.map_error = 0;
+    const SharedMemory memory(100);
+    script.map_error = EACCES;
+    EXPECT_THROW(SharedMemory{std::string(memory.id())}, interprocess_exception);
+    script.map_error = 0;
+    EXPECT_EQ(SharedMemory(std::string(memory.id())).size(), 100u) << "the name belongs to its owner";
+}
+
+TEST_F(SharedMemoryFailure, LeavesAStackThatWantsToShareAsItWas)
+{
+    VStackImp stack;
+    stack.create(std::vector<std::uint64_t>{3}, vela_dt_uint8);
+    stack.get_data_ptr()[2] = 7;
+    const unsigned char* const before = stack.get_data_ptr();
+    const auto fails = [&]
+    {
+        EXPECT_THROW(stack.share(), interprocess_exception);
+        EXPECT_EQ(vela_test::shared_names_left(), std::set<std::string>());
+        EXPECT_EQ(stack.get_data_ptr(), before);
+        EXPECT_EQ(stack.get_data_ptr()[2], 7);
+    };
+    script.truncate_error = EFBIG;
+    fails();
+    script = Script();
+    script.reserve_error = ENOSPC;
+    fails();
+    script = Script();
+    script.map_error = ENOMEM;
+    fails();
+    script = Script();
+    stack.create(std::vector<std::uint64_t>{4}, vela_dt_uint8); // private as before
+    EXPECT_EQ(SharedMemory(std::string(stack.share())).size(), 4u);
+    EXPECT_EQ(stack.get_data_ptr()[2], 7);
 }
 
 TEST_F(SharedMemoryFailure, IsUnlikelyLaterAsThePagesAreReserved)

@@ -81,6 +81,27 @@ TEST(TwoProcesses, MayBothBeTheOwner)
     EXPECT_EQ(bytes_of(*memory)[1], 10);
 }
 
+TEST(TwoProcesses, LeaveTheNameToTheOneThatMadeItWhereOneIsForkedFromTheOther)
+{
+    auto memory = std::make_unique<SharedMemory>(100);
+    const std::string id = memory->id();
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        bytes_of(*memory)[0] = 5;
+        memory.reset();
+        _exit(0);
+    }
+    ASSERT_GT(child, 0);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_EQ(bytes_of(*memory)[0], 5);
+    EXPECT_NO_THROW(EXPECT_EQ(SharedMemory(id).size(), 100u));
+    memory.reset();
+    EXPECT_THROW(SharedMemory{id}, interprocess_exception);
+}
+
 TEST(TwoProcesses, ShareASegmentOfSizeZero)
 {
     const SharedMemory memory(0);

@@ -141,9 +141,11 @@ TEST(SharedMemory, OfSizeZeroEndsWithItsOwner)
 
 TEST(SharedMemory, OfAnUnknownIdCannotBeAttachedTo)
 {
-    for (const std::string id : {"00000000-0000-4000-8000-000000000000", "", "/", "no/such/name", ".."})
+    for (const std::string id :
+         {"00000000-0000-4000-8000-000000000000", "", "/", "a/b", "no/such/name", ".", "..", "../shm", "//"})
         EXPECT_THROW(SharedMemory{id}, interprocess_exception) << id;
-    EXPECT_THROW(SharedMemory{std::string(5000, 'x')}, interprocess_exception);
+    for (const std::size_t length : {254u, 255u, 256u, 5000u}) // the system's limit is near 255
+        EXPECT_THROW(SharedMemory{std::string(length, 'x')}, interprocess_exception) << length;
 }
 
 TEST(SharedMemory, IdDoesNotEndAtAZeroByte)

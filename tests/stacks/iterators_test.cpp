@@ -1,4 +1,6 @@
 #include "stacks/any_type_stack.h"
+#include "support/allocation_watch.h"
+#include "support/expect_source_line.h"
 #include "support/expect_vela_error.h"
 
 #include <VelaStacks/VStackRegion.h>
@@ -238,6 +240,50 @@ TEST_F(Walk, DoesNotLeaveABlockThatSomebodyElseMadeSmaller)
                       "Cannot create iterator over region exceeding the stack!");
 }
 
+/// Bytes of its own, not those of the block.
+class OtherBytes : public VStackImp
+{
+public:
+    const unsigned char* get_data_ptr() const override { return bytes.data(); }
+    unsigned char* get_data_ptr() override { return bytes.data(); }
+
+    std::vector<unsigned char> bytes = {7, 8, 9};
+};
+
+TEST_F(Walk, BelievesADerivedClassThatGivesBytesOfItsOwn)
+{
+    OtherBytes derived;
+    derived.create(std::vector<std::uint64_t>{3}, vela_dt_uint8);
+    VStackImp sharing(derived);
+    sharing.create(std::vector<std::uint64_t>{1}, vela_dt_uint8); // the block, not the bytes
+    EXPECT_THAT(walk(derived, whole(derived)), ElementsAre(7, 8, 9));
+}
+
+TEST_F(Walk, TakesNoMemoryOnceItHasBegun)
+{
+    VStackImp cube = counting({3, 4, 5});
+    VStackRegion region = whole(cube);
+    region.permutation = {2, 0, 1};
+    const boost::shared_ptr<Base> it = cube.get_iterator(region);
+    Iterator<std::uint16_t> written(&cube, region);
+    const AllocationWatch watch;
+    double sum = 0;
+    for (; !it->at_end(); it->advance())
+    {
+        double sample = 0;
+        it->get_value(sample);
+        sum += sample;
+    }
+    while (!written.at_end())
+    {
+        written.set_value(std::complex<double>(1.5, 2.5));
+        ++*written++;
+    }
+    EXPECT_EQ(watch.count_allocations(), 0u);
+    EXPECT_EQ(sum, 59 * 60 / 2);
+    EXPECT_EQ(samples_of<std::uint16_t>(cube), std::vector<std::uint16_t>(60, 2));
+}
+
 TEST_F(Walk, ReadsSharedSamples)
 {
     const char* const id = stack.share();
@@ -288,6 +334,7 @@ TEST(IteratorType, OutsideTheTableHasNoIterator)
         EXPECT_VELA_ERROR_IN(stack.get_iterator(whole(stack)), "VStackInterface::get_iterator", "sources/stacks", -1,
                              "Invalid type!");
         EXPECT_VELA_ERROR(stack.get_iterator(region_of({-5, 0}, {9, 9}, {0, 1})), -1, "Invalid type!");
+        expect_source_line([&] { stack.get_iterator(whole(stack)); }, "sources/stacks/iterators.cpp", "Invalid type!");
     }
     EXPECT_VELA_ERROR(VStackImp(2).get_iterator(whole(VStackImp(2))), -1, "Invalid type!");
 }

@@ -1,4 +1,5 @@
 #include "stacks/any_type_stack.h"
+#include "support/expect_source_line.h"
 #include "support/expect_vela_error.h"
 
 #include <VelaStacks/VStack.h>
@@ -267,6 +268,26 @@ TEST_F(StackCopy, IntoATypeThatIsNotNumericIsNoneButZeros)
     logical.copy(&source, region);
     EXPECT_EQ(logical.get_dt(), vela_dt_logical);
     EXPECT_THAT(bytes_of(logical), Each(0));
+
+    const std::vector<unsigned char> before(6, 9);
+    set_samples(logical, before);
+    logical.copy(&source, region);
+    EXPECT_EQ(bytes_of(logical), before) << "copied nothing";
+    region.end[0] = 3;
+    logical.copy(&source, region);
+    EXPECT_THAT(bytes_of(logical), Each(0)) << "what lies outside makes all of it 0";
+}
+
+TEST_F(StackCopy, BetweenColoursConvertsTheRegionThatIsAll)
+{
+    AnyTypeStack colours({2}, vela_dt_rgb);
+    set_samples<unsigned char>(colours, {1, 2, 3, 4, 5, 6});
+    AnyTypeStack packed;
+    packed.copy(&colours, vela_dt_packed_color);
+    EXPECT_THAT(bytes_of(packed), ElementsAre(1, 2, 3, 0, 4, 5, 6, 0));
+    AnyTypeStack back;
+    back.copy(&packed, vela_dt_rgb);
+    EXPECT_THAT(bytes_of(back), ElementsAre(3, 2, 1, 6, 5, 4));
 }
 
 TEST_F(StackCopy, FromATypeThatIsNotNumericFailsWithTheNewDescription)
@@ -279,6 +300,32 @@ TEST_F(StackCopy, FromATypeThatIsNotNumericFailsWithTheNewDescription)
                          "Invalid type!");
     EXPECT_THAT(target.get_sizes(), ElementsAre(3, 2));
     EXPECT_THAT(bytes_of(target), Each(0));
+    expect_source_line([&] { target.copy(&logical, region); }, "sources/stacks/VStackImp_copy.cpp", "Invalid type!");
+}
+
+TEST_F(StackCopy, FromATypeThatIsNotNumericFailsAlsoWhereTheRegionIsEmptyAlongACut)
+{
+    const AnyTypeStack logical({2, 3}, vela_dt_logical);
+    VStackRegion region = whole(logical);
+    region.begin[1] = 1;
+    region.end[1] = 1;
+    region.permutation = {0};
+    region.dt = vela_dt_uint8;
+    EXPECT_VELA_ERROR(target.copy(&logical, region), -1, "Invalid type!");
+    region.dt = vela_dt_logical;
+    AnyTypeStack other;
+    EXPECT_NO_THROW(other.copy(&logical, region)) << "no such iterator is asked for";
+}
+
+TEST_F(StackCopy, FromATypeThatIsNotNumericCopiesNothingOfWhatItDoesNotHave)
+{
+    const AnyTypeStack logical({2, 3}, vela_dt_logical);
+    VStackRegion region = whole(logical);
+    region.begin[1] = 3;
+    region.end[1] = 4;
+    region.dt = vela_dt_uint8;
+    target.copy(&logical, region);
+    EXPECT_THAT(samples_of<std::uint8_t>(target), ElementsAre(0, 0));
 }
 
 TEST_F(StackCopy, ToATypeThatTheRecordLacksFails)
