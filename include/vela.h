@@ -32,7 +32,9 @@
 #include <VelaBase/vela_dt.h>
 #include <VelaBase/vela_dt_convert.h>
 #include <VelaBase/version.h>
+#include <VelaBinaryIO/VBFFile.h>
 #include <VelaBinaryIO/VBFHeaders.h>
+#include <VelaBinaryIO/VBFStack.h>
 #include <VelaFile/VFile.h>
 #include <VelaFile/VFileAccess.h>
 #include <VelaFile/VZippedSegment.h>
