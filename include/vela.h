@@ -33,6 +33,7 @@
 #include <VelaBase/vela_dt_convert.h>
 #include <VelaBase/version.h>
 #include <VelaBinaryIO/VBFHeaders.h>
+#include <VelaBinaryIO/vela_dbl.h>
 #include <VelaFile/VFile.h>
 #include <VelaFile/VFileAccess.h>
 #include <VelaFile/VZippedSegment.h>
