@@ -1,6 +1,6 @@
 /// DBL files: one stack of doubles or singles with at most four dimensions, behind a header of 128 bytes.
 ///
-/// An older format, explained in docs/format.md. It has no magic number: any file of 128 bytes or more reads as one, and
+/// An older format, explained in docs/format-dbl.md. It has no magic number: any file of 128 bytes or more reads as one, and
 /// only the ending ".dbl" of its name says what it is.
 ///
 /// Both functions answer by their result, without text or exception. Paths are UTF-8. No pointer may be null.

@@ -157,13 +157,13 @@ int read_block(void* handle, const DblHeader& header, const Mode& mode, void** b
     }
     auto* const samples = static_cast<unsigned char*>(*buffer);
     const std::uint64_t moved = read_samples(handle, samples, count * sample_size);
-    // Behind what the file has there is nothing to convert in zeros.
-    const std::uint64_t converted = mode.caller_buffer ? count : (moved + sample_size - 1) / sample_size;
+    // Zeros need no conversion, but for those that overwrite what narrowing leaves behind the narrowed samples.
+    const std::uint64_t brought = mode.caller_buffer ? count : (moved + sample_size - 1) / sample_size;
     if (expands)
-        expand_in_place(samples, converted);
+        expand_in_place(samples, brought);
     if (narrows)
-        narrow_in_place(samples, converted);
-    return result_of(expands ? false : narrows || header.is_single);
+        narrow_in_place(samples, std::min(count, 2 * brought));
+    return result_of(narrows || (header.is_single && !expands));
 }
 
 }

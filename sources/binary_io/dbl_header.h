@@ -1,4 +1,4 @@
-/// The header of a .dbl file. docs/format.md explains it.
+/// The header of a .dbl file. docs/format-dbl.md explains it.
 ///
 ///     offset  width
 ///          0      8   dimensions 2, 1, 0, 3: unsigned 16-bit, big-endian
