@@ -140,4 +140,6 @@ public:
 
     /// -1 no description yet, 1 described, 2 being written, 0 complete.
     virtual int get_state() const = 0;
+
+    ~VBFStackInterface() override;
 };

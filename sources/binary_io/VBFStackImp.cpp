@@ -4,6 +4,8 @@
 
 #include "sources/stacks/product.h"
 
+VBFStackInterface::~VBFStackInterface() = default;
+
 VBFStackImp::VBFStackImp(VBFFileImp* in_file) : file(in_file) {}
 
 VBFStackImp::VBFStackImp(const VBFStackImp& other)
