@@ -55,13 +55,26 @@ public:
     /// @{
     void set_file(VBFFileImp* in_file) { file = in_file; }
     void set_empty(bool is_empty) { empty = is_empty; }
+    /// Makes this the stack of a DBL file: complete and locked, `in_data_length` bytes of samples as they are.
+    void set_plain_data(const std::vector<std::uint64_t>& in_sizes, const std::vector<double>& in_lengths,
+                        vela_dt in_dt, std::uint64_t in_data_pos, std::uint64_t in_data_length);
     std::uint64_t get_header_pos() const { return header_pos; }
     /// 0 in a stack that was written here.
     std::uint64_t get_stack_end_pos() const { return stack_end_pos; }
     /// @}
 
 private:
+    struct ReadTarget;
+
+    void require_no_description() const;
+    template <class CreateBase>
+    void create_fixed(CreateBase create_base);
+    void describe(const Vela::detail::StackRecord& record);
     std::uint64_t read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos);
+    void require_readable(std::uint64_t pos) const;
+    void require_imaginary_parts(vela_dt type) const;
+    void start_reading(vela_dt type);
+    void read_chunk(std::uint64_t count, const ReadTarget& target);
 
     // The steps of `write`.
     void require_writable() const;

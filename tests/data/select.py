@@ -34,10 +34,17 @@ STACK_FIELDS = [
     "flush_block_size", "flush_positions",
 ]
 
+DBL_FIELDS = ["dims", "lengths", "flag", "single", "samples_in_file", "data_length", "samples_sha256"]
+
 
 def chosen(folder, entry):
-    """Files of the other format have no chain to scan."""
+    """DBL files have no chain to scan."""
     return entry["scan"] is not None and entry["file"] not in LEFT_OUT[folder]
+
+
+def chosen_dbl(entry):
+    """The large one is what any writer makes of 70000 samples."""
+    return entry.get("recipe", {}).get("kind") == "dbl" and entry["file"] != "wide.dbl"
 
 
 def picked(record, fields):
@@ -52,6 +59,10 @@ def reduced(entry):
     return result
 
 
+def reduced_dbl(entry):
+    return picked(entry, ENTRY_FIELDS[:3] + ["purpose"]) | picked(entry["dump"], DBL_FIELDS)
+
+
 def copy_checked(source, target, sha256):
     if hashlib.sha256(source.read_bytes()).hexdigest() != sha256:
         sys.exit(f"{source} is not what its manifest says")
@@ -64,23 +75,24 @@ def write_manifest(path, entries):
     path.write_text('{"files":[\n' + lines + "\n]}\n", encoding="ascii")
 
 
-def select(source, folder):
-    manifest = json.loads((source / folder / "manifest.json").read_text(encoding="utf-8"))
-    entries = [entry for entry in manifest["files"] if chosen(folder, entry)]
-    target = HERE / folder
+def select(source, target, is_chosen, reduce):
+    manifest = json.loads((source / "manifest.json").read_text(encoding="utf-8"))
+    entries = [entry for entry in manifest["files"] if is_chosen(entry)]
     shutil.rmtree(target, ignore_errors=True)
     target.mkdir()
     for entry in entries:
-        copy_checked(source / folder / entry["file"], target / entry["file"], entry["sha256"])
-    write_manifest(target / "manifest.json", [reduced(entry) for entry in entries])
-    print(f"{folder}: {len(entries)} files")
+        copy_checked(source / entry["file"], target / entry["file"], entry["sha256"])
+    write_manifest(target / "manifest.json", [reduce(entry) for entry in entries])
+    print(f"{target.name}: {len(entries)} files")
 
 
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
+    source = pathlib.Path(sys.argv[1])
     for folder in LEFT_OUT:
-        select(pathlib.Path(sys.argv[1]), folder)
+        select(source / folder, HERE / folder, lambda entry: chosen(folder, entry), reduced)
+    select(source / "golden", HERE / "dbl", chosen_dbl, reduced_dbl)
 
 
 if __name__ == "__main__":
