@@ -90,6 +90,7 @@ private:
                                        std::uint64_t count);
     void to_segment(const void* data, std::uint64_t size_bytes);
     void finish_record();
+    void link();
 
     // Header and footer on disk.
     void write_header();
