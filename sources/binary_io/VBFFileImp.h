@@ -78,6 +78,7 @@ private:
     /// -1: not a path of such a file.
     int open_bf_dbl(const VPropstring& path);
     void close_imp();
+    void write_file_dictionary();
     void release_stacks();
 
     std::uint64_t next_field_pos = 0; ///< of the field that gets the position of the next finished stack; 0: not known

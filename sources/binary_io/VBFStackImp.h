@@ -75,8 +75,29 @@ private:
     void require_imaginary_parts(vela_dt type) const;
     void start_reading(vela_dt type);
     void read_chunk(std::uint64_t count, const ReadTarget& target);
+
+    // The steps of `write`.
+    void require_writable() const;
+    std::uint64_t begin_writing(int type, const void* imag, std::uint64_t count);
+    void require_sample_sizes(int type, std::uint64_t count) const;
+    void require_steps(std::uint64_t count) const;
+    void require_imaginary_place(int type, const void* imag) const;
+    void require_room(std::uint64_t count) const;
+    void judge_commit(bool starting);
+    void start_record();
+    void write_samples(int type, const void* data, const void* imag, std::uint64_t count);
+    const unsigned char* in_stack_type(int type, const unsigned char* data, const unsigned char* imag,
+                                       std::uint64_t count);
+    void to_segment(const void* data, std::uint64_t size_bytes);
+    void finish_record();
+    void link();
+
+    // Header and footer on disk.
     void write_header();
     void write_footer();
+    void compose_metadata();
+    void write_behind_footer(VFileAccess& stream) const;
+    void patch_record(std::uint64_t footer_pos, std::uint64_t end_pos) const;
 
     std::map<std::string, std::string> tags;
     VBFFileImp* file;

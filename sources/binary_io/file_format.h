@@ -12,6 +12,9 @@ constexpr char file_magic[10] = {'V', 'E', 'L', 'A', '_', 'B', 'F', '\n', '\xFF'
 constexpr char stack_magic[16] = {'V', 'E', 'L', 'A', '_', 'B',  'F',    '_',
                                   'S', 'T', 'A', 'C', 'K', '\n', '\xFF', '\xFF'};
 
+/// What the header of a written stack says. From this version on nothing that a reader has to know has changed.
+constexpr std::uint32_t stack_format_version = 5;
+
 /// Files up to this version end their header with the description and have no dictionary.
 constexpr std::uint32_t last_version_without_dictionary = 1;
 
