@@ -86,6 +86,7 @@ private:
     void judge_commit(bool starting);
     void start_record();
     void write_samples(int type, const void* data, const void* imag, std::uint64_t count);
+    void take_steps();
     const unsigned char* in_stack_type(int type, const unsigned char* data, const unsigned char* imag,
                                        std::uint64_t count);
     void to_segment(const void* data, std::uint64_t size_bytes);
