@@ -200,8 +200,7 @@ public:
     virtual const std::string& get_meta_data_string() const = 0;
 
     /// The OME record of the stack, which lives as long as the description. Sizes, lengths and offsets that are written
-    /// here do not change the description. While the stack grows, the list of planes must not be rearranged in the tree,
-    /// but at its ends. No lock.
+    /// here do not change the description. No lock.
     virtual Ome::Image<Json::SignalingReference>& meta_data() = 0;
 
     virtual ~VStackInfoInterface();
@@ -291,7 +290,8 @@ protected:
     ///
     /// Planes of the record that keep their places while it grows are laid out again only if they were looked at through
     /// `meta_data().planes` since the last time, so that a growth costs what is new. What is written past that into
-    /// the place of another plane stays; the list of planes must not be rearranged in the tree meanwhile.
+    /// the place of another plane stays. Once somebody has got the list of planes itself from the tree, by
+    /// `Json::Value::as_list`, `if_list` or `fill_list`, he may rearrange it: from then on every growth lays out all.
     /// @throws VelaError id -15 "Invalid axis specified!": a stack without axes
     /// @throws what `set_sizes` throws
     void set_variable_size(std::uint64_t size);
