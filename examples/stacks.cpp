@@ -11,8 +11,8 @@
 
 void print_axes(const VStackInterface& stack)
 {
-    std::cout << stack.get_name() << ": " << vela_dt_get_name(static_cast<std::uint32_t>(stack.get_dt())) << ", "
-              << stack.get_size(0) << " bytes\n";
+    std::cout << stack.get_name() << ": " << vela_dt_get_name(stack.get_dt()) << ", " << stack.get_size(0)
+              << " bytes\n";
     for (std::uint64_t axis = 0; axis < stack.get_rank(); ++axis)
     {
         const si::value length = stack.get_units(axis) * stack.get_length(axis);
