@@ -1,6 +1,6 @@
 /// VBF files: stacks of image data with their descriptions, one after the other.
 ///
-///     VBFFile file(VPropstring("cells.vbf"), VFile::write_mode);
+///     VBFFile file(VPropstring(L"cells.vbf"), VFile::write_mode);
 ///     boost::shared_ptr<VBFStackInterface> stack = file->add_stack(false);
 ///     stack->create({512, 512, 30}, vela_dt_uint16);
 ///     stack->write(vela_dt_uint16, samples, nullptr, VBFStackInterface::all_samples);

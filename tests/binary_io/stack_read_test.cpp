@@ -1,8 +1,11 @@
 // Reading the samples of a stack: positions, types, empty stacks, progress.
+#include <VelaStacks/VStack.h>
+
 #include "binary_io/written_vbf.h"
 #include "support/expect_vela_error.h"
 #include "support/sample_bytes.h"
 
+#include <algorithm>
 #include <complex>
 
 using namespace vela_test;
@@ -268,4 +271,38 @@ TEST_F(StackReadTest, TheEndOfAStackIsLookedForInReadModeOnly)
     EXPECT_GT(reopen()->seek_to_end_of_stack(0), first_record_pos);
     file->close();
     EXPECT_VELA_ERROR(file->seek_to_end_of_stack(0), -1, text);
+}
+
+TEST_F(StackReadTest, AStackInMemoryHasNothingThatIsNotSet)
+{
+    // A stack that is read in chunks and one that is empty, after memory that held something else.
+    add_complete({200, 100});
+    const Stack empty = file->add_stack(true);
+    empty->create({200, 100}, vela_dt_uint8);
+    reopen()->set_chunk_size(1000);
+    Bytes zeros(20000);
+    Bytes samples = counted_bytes(20000);
+    {
+        Bytes used(20000, 0xcd);
+        EXPECT_EQ(used[7], 0xcd);
+    }
+    const auto first = file->read_stack(0, 0);
+    const auto second = file->read_stack(1, 0);
+    EXPECT_TRUE(std::equal(samples.begin(), samples.end(), first->get_data_ptr()));
+    EXPECT_TRUE(std::equal(zeros.begin(), zeros.end(), second->get_data_ptr()));
+    // And the block grows with zeros again.
+    second->create(Sizes({200, 200}), vela_dt_uint8);
+    EXPECT_EQ(second->get_data_ptr()[39999], 0);
+}
+
+TEST_F(StackReadTest, AWholeStackThatDoesNotReadIsToldAsItsReadTellsIt)
+{
+    add_complete({20});
+    file->close();
+    Bytes bytes = get_bytes(path("written.vbf"));
+    bytes.at(first_record_pos + 24 + 3) = 0x10; // 2^28 samples and more, which the file does not have
+    put_bytes(path("written.vbf"), bytes);
+    reopen();
+    file->set_chunk_size(1 << 30);
+    EXPECT_VELA_ERROR(file->read_stack(0, 0), -3, "Failed reading 268435476 bytes from file!");
 }
