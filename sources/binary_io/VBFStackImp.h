@@ -71,7 +71,7 @@ private:
     void create_fixed(CreateBase create_base);
     void describe(const Vela::detail::StackRecord& record);
     std::uint64_t read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos);
-    void require_readable(std::uint64_t pos) const;
+    void require_readable(std::uint64_t first) const;
     void require_imaginary_parts(vela_dt type) const;
     void start_reading(vela_dt type);
     void read_chunk(std::uint64_t count, const ReadTarget& target);
@@ -86,6 +86,7 @@ private:
     void judge_commit(bool starting);
     void start_record();
     void write_samples(int type, const void* data, const void* imag, std::uint64_t count);
+    void take_steps();
     const unsigned char* in_stack_type(int type, const unsigned char* data, const unsigned char* imag,
                                        std::uint64_t count);
     void to_segment(const void* data, std::uint64_t size_bytes);

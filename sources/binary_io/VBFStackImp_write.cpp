@@ -196,7 +196,13 @@ void VBFStackImp::write_samples(int type, const void* data, const void* imag, st
         if (imaginary_part != nullptr)
             imaginary_part += n * buffer_sample_size;
     }
-    if (variable)
+    take_steps();
+}
+
+/// A variable stack has the size of the steps that were counted.
+void VBFStackImp::take_steps()
+{
+    if (variable && samples_written != 0 && get_sizes().back() != samples_written / samples_per_step)
         set_variable_size(samples_written / samples_per_step);
 }
 
@@ -235,6 +241,7 @@ void VBFStackImp::finish_record()
     state = 2; // until the stack is in the chain
     if (!footer_written)
     {
+        take_steps(); // those of a call that the caller cancelled
         data_length = 0;
         if (samples_written > 0)
         {

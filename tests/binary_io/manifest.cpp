@@ -7,6 +7,11 @@
 
 namespace vela_test {
 
+std::string DataFile::path() const
+{
+    return std::string(VELA_TEST_DATA) + "/" + folder + "/" + name();
+}
+
 std::vector<DataFile> data_files(const std::string& folder)
 {
     const std::string path = std::string(VELA_TEST_DATA) + "/" + folder + "/manifest.json";

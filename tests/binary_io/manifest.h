@@ -17,7 +17,7 @@ struct DataFile
     nlohmann::json entry;
 
     std::string name() const { return entry.at("file").get<std::string>(); }
-    std::string path() const { return std::string(VELA_TEST_DATA) + "/" + folder + "/" + name(); }
+    std::string path() const;
     std::uint64_t start() const { return entry.at("start").get<std::uint64_t>(); }
 };
 

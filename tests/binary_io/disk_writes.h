@@ -1,0 +1,53 @@
+/// The writes of this program to files as the system sees them; they can be made to fail. A program that uses it has
+/// disk_writes.cpp among its sources, which defines `write` and `lseek` itself.
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+#include <vector>
+
+namespace vela_test {
+
+struct DiskWrite
+{
+    std::uint64_t position;
+    std::uint64_t size_bytes;
+
+    bool operator==(const DiskWrite& other) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const DiskWrite& write)
+{
+    return out << write.size_bytes << " at " << write.position;
+}
+
+/// What has happened since the construction. One at a time, in a program of one thread.
+class DiskWrites
+{
+public:
+    DiskWrites();
+    ~DiskWrites();
+    DiskWrites(const DiskWrites&) = delete;
+    DiskWrites& operator=(const DiskWrites&) = delete;
+
+    const std::vector<DiskWrite>& log() const { return writes; }
+    std::size_t count_calls() const { return calls; }
+    std::uint64_t count_bytes() const;
+
+    /// From now on `size_bytes` more bytes are written; then every write fails for want of space.
+    void set_room(std::uint64_t size_bytes) { room = size_bytes; }
+
+    static DiskWrites* current;
+
+    /// For the definitions of the system calls.
+    std::uint64_t take_room(std::uint64_t size_bytes);
+    void note_write(std::uint64_t position, std::uint64_t size_bytes) { writes.push_back({position, size_bytes}); }
+    void note_call() { ++calls; }
+
+private:
+    std::vector<DiskWrite> writes;
+    std::size_t calls = 0;
+    std::uint64_t room = ~std::uint64_t{0};
+};
+
+} // namespace vela_test
