@@ -34,7 +34,9 @@
 #include <VelaBase/vela_dt.h>
 #include <VelaBase/vela_dt_convert.h>
 #include <VelaBase/version.h>
+#include <VelaBinaryIO/VBFFile.h>
 #include <VelaBinaryIO/VBFHeaders.h>
+#include <VelaBinaryIO/VBFStack.h>
 #include <VelaBinaryIO/vela_dbl.h>
 #include <VelaFile/VFile.h>
 #include <VelaFile/VFileAccess.h>

@@ -5,7 +5,7 @@
 
 SOURCE holds the folders golden, real and hostile, each with a manifest.json that describes every
 file in it. The chosen files are copied unchanged, after a check of their sha256; the manifests keep
-what the tests of headers, chain and samples compare. README.md says where the collection comes from.
+what the tests compare. README.md says where the collection comes from.
 """
 
 import hashlib
@@ -31,15 +31,20 @@ STACK_FIELDS = [
     "header_pos", "format_version", "rank", "sizes", "lengths", "offsets", "data_type", "data_type_name",
     "compression_type", "compression_level", "name", "description", "data_present", "data_length_on_disk",
     "next_stack_pos", "data_pos", "empty", "uncompressed_size", "samples_sha256", "probes",
-    "flush_block_size", "flush_positions",
+    "flush_block_size", "flush_positions", "labels", "get_units", "data_units", "col_positions", "col_labels",
+    "metadata_text", "position", "tags", "stack_end_pos",
 ]
 
 DBL_FIELDS = ["dims", "lengths", "flag", "single", "samples_in_file", "data_length", "samples_sha256"]
 
 
 def chosen(folder, entry):
-    """DBL files have no chain to scan."""
+    """DBL files have no chain to scan; they have folders of their own."""
     return entry["scan"] is not None and entry["file"] not in LEFT_OUT[folder]
+
+
+def chosen_hostile_dbl(entry):
+    return entry["scan"] is None
 
 
 def chosen_dbl(entry):
@@ -51,8 +56,17 @@ def picked(record, fields):
     return {field: record[field] for field in fields if field in record}
 
 
+def opened(entry):
+    """What opening gives. The record's refusal of a length or an offset is no failure: that is called stored."""
+    expected = entry.get("open", {"result": "ok"})
+    expected = expected.get("stored", expected)
+    if expected["result"] == "error" and "any_of" not in expected:
+        return {"result": "error", "any_of": [picked(expected, ["type", "id", "message"])]}
+    return expected
+
+
 def reduced(entry):
-    result = picked(entry, ENTRY_FIELDS)
+    result = picked(entry, ENTRY_FIELDS) | {"open": opened(entry)}
     if "dump" in entry:
         result["header"] = picked(entry["dump"]["file"], FILE_FIELDS)
         result["stacks"] = [picked(stack, STACK_FIELDS) for stack in entry["dump"]["stacks"]]
@@ -93,6 +107,7 @@ def main():
     for folder in LEFT_OUT:
         select(source / folder, HERE / folder, lambda entry: chosen(folder, entry), reduced)
     select(source / "golden", HERE / "dbl", chosen_dbl, reduced_dbl)
+    select(source / "hostile", HERE / "hostile_dbl", chosen_hostile_dbl, reduced)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,103 @@
+/// The VBF file.
+#pragma once
+
+#include <Json/Value.h>
+#include <VelaBinaryIO/VBFFile.h>
+#include <VelaBinaryIO/VBFHeaders.h>
+
+#include <boost/shared_ptr.hpp>
+#include <boost/weak_ptr.hpp>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class VBFStackImp;
+
+namespace Vela::detail {
+class ReadAhead;
+struct StackRecord;
+}
+
+/// Where it lives: VBFFileImp.cpp (state, small operations, the handle class), VBFFileImp_open.cpp (opening and the chain),
+/// VBFFileImp_write.cpp (headers, chain and closing when writing), VBFFileImp_stacks.cpp (adding, handing out, whole stacks).
+class VBFFileImp : public VBFFileInterface, public VFile
+{
+public:
+    VBFFileImp();
+
+    void attach(void* handle, VFile::mode mode) override;
+    void open(VPropstring path, VFile::mode mode) override;
+    void close() override;
+    void* detach() override;
+    void finish() override;
+    void set_creator(const std::string& creator) override;
+    void set_uuid(const std::string& uuid) override;
+    void set_chunk_size(std::uint32_t size_bytes) override;
+    void set_file_desc(const std::string& text) override;
+    void get_file_desc(std::string& out_text) const override;
+    std::uint64_t number_of_stacks() const override;
+    bool is_attached() const override;
+    void set_progress_callback(vela_progress_callback callback, void* user) override;
+    std::uint64_t seek_to_end_of_stack(std::uint64_t index) override;
+    boost::shared_ptr<VBFStackInterface> add_stack(bool empty) override;
+    boost::shared_ptr<VBFStackInterface> get_stack(std::uint64_t index) override;
+    void write_stack(VStackInterface* stack, int flags) override;
+    boost::shared_ptr<VStackInterface> read_stack(std::uint64_t index, int flags) override;
+    void set_default_compression(int type, int level) override;
+    VFile::mode get_mode() const override;
+    bool is_open() const override;
+    ~VBFFileImp() override;
+    Ome::Document<Json::SignalingReference>& ome() override;
+
+    /// @name For the stacks
+    /// @{
+
+    /// Writes the file header unless that is done. The first `write` of a stack calls it.
+    void write_file_header();
+    /// Links a stack whose footer is written into the chain.
+    /// @throws VelaError id -1 "Invalid call to on_stack_finished()!": not the last stack
+    void on_stack_finished(VBFStackImp* stack);
+    /// False when the caller cancels.
+    bool report_progress(std::uint64_t size_bytes) const;
+    /// @}
+
+private:
+    /// A stack of the chain: what the file says of it, or the object that was or is being written.
+    struct Entry
+    {
+        std::shared_ptr<const Vela::detail::StackRecord> record; ///< exactly one of the two is set
+        boost::shared_ptr<VBFStackImp> written;
+    };
+
+    void attach_imp(VFile::mode mode);
+    void read_file();
+    VBFFileInfo read_front(Vela::detail::ReadAhead& stream);
+    void read_chain(Vela::detail::ReadAhead& stream, std::uint64_t first_stack_pos);
+    void remember_handle(const boost::shared_ptr<VBFStackImp>& copy);
+    /// -1: not a path of such a file.
+    int open_bf_dbl(const VPropstring& path);
+    void close_imp();
+    void write_file_dictionary();
+    void release_stacks();
+
+    std::uint64_t next_field_pos = 0; ///< of the field that gets the position of the next finished stack; 0: not known
+    bool header_pending = false;
+    std::int32_t default_compression_type = 0;
+    std::int32_t default_compression_level = 1;
+    bool writable = false;
+    bool attached = false;                             ///< the handle is somebody else's
+    std::vector<Entry> stacks;                         ///< in the order of the chain
+    std::vector<boost::weak_ptr<VBFStackImp>> handles; ///< copies that were handed out
+    vela_progress_callback progress_callback = nullptr;
+    void* progress_user = nullptr;
+    std::string description;
+    std::uint32_t format_version = 2;
+    Json::Value ome_document;
+    Json::SignalingReference ome_reference;
+    Ome::Document<Json::SignalingReference> ome_root;
+    VBFDictionary dictionary;
+    std::uint64_t meta_data_pos = 0;
+    std::uint64_t meta_end_pos = 0;
+    std::uint64_t meta_field_pos = 0;
+};
