@@ -17,6 +17,12 @@
 
 class VStackRegion;
 
+namespace Remote {
+VELA_ABI_NAMESPACE_BEGIN
+struct Stack;
+VELA_ABI_NAMESPACE_END
+}
+
 /// What a stack is: sample type, sizes, and for each axis a length, an offset, a label, a unit, labels of its columns and
 /// their positions; for the whole stack a name, a description, units of the samples, a position in global axes, and
 /// the OME record.
@@ -224,6 +230,12 @@ public:
 
     /// `rank` axes of size 0, and no sample type; without axes there is one element. The order of dimensions is XYZTC.
     explicit VStackInfoImp(std::uint64_t rank = 0);
+
+    /// What the face of a stack says of it: `labels`, `type`, `sizes`, `lengths`, `offsets`, `name` and `description`, asked
+    /// for in this order. The record has of lengths and offsets, axis by axis, what it can express; its sample type and
+    /// order of dimensions are not set, and any sample type will do.
+    /// @throws what `create` throws for sizes
+    explicit VStackInfoImp(const Remote::Stack& stack);
 
     /// With a record of its own on a copy of the tree, in which dates, units and enumerations that somebody has read
     /// without their being set are not set again. The lock is copied too.

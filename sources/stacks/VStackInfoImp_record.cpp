@@ -1,4 +1,5 @@
 // What a description has in common with its OME record: type, sizes, lengths, offsets and the date.
+#include <Remote/Stack.h>
 #include <VelaBase/VelaError.h>
 #include <VelaStacks/VStackInfo.h>
 
@@ -135,6 +136,15 @@ VStackInfoImp::VStackInfoImp(std::uint64_t rank) : meta(meta_store)
 {
     meta.dimension_order = Ome::DimensionOrder::XYZTC;
     set_sizes(std::vector<std::uint64_t>(rank));
+}
+
+VStackInfoImp::VStackInfoImp(const Remote::Stack& stack) : labels(stack.labels()), dt(stack.type()), meta(meta_store)
+{
+    set_sizes(stack.sizes());
+    store_lengths(stack.lengths());
+    store_offsets(stack.offsets());
+    meta.name = stack.name();
+    meta.description = stack.description();
 }
 
 VStackInfoImp::VStackInfoImp(const VStackInfoImp& other)
