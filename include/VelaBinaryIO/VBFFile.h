@@ -1,6 +1,6 @@
 /// VBF files: stacks of image data with their descriptions, one after the other.
 ///
-///     VBFFile file(VPropstring("cells.vbf"), VFile::write_mode);
+///     VBFFile file(VPropstring(L"cells.vbf"), VFile::write_mode);
 ///     boost::shared_ptr<VBFStackInterface> stack = file->add_stack(false);
 ///     stack->create({512, 512, 30}, vela_dt_uint16);
 ///     stack->write(vela_dt_uint16, samples, nullptr, VBFStackInterface::all_samples);
@@ -44,7 +44,8 @@ public:
     /// @throws what `open` throws
     virtual void attach(void* handle, VFile::mode mode) = 0;
 
-    /// Opens a file; one that was open is closed. A failure leaves no file open.
+    /// Opens a file. A failure leaves no file open, but for that of a file that is open already. `VBFFile::open` lets go of
+    /// that one first.
     ///
     /// `read_mode` reads the descriptions of all stacks; samples stay on disk. A path that ends with ".dbl" is an older file
     /// with one stack, see `VelaBinaryIO/vela_dbl.h`; it is presented as a VBF file. `write_mode` empties the file; nothing
@@ -52,6 +53,7 @@ public:
     /// file of format version 2 destroys its first bytes when it is closed: this is so; use `vbf append`, or
     /// `vbf repair` afterwards.
     ///
+    /// @throws VelaError id -1 "File already open or attached!"
     /// @throws VelaError id -1 "Could not open file!"
     /// @throws VelaError id -4 "No VBF file header found!"
     /// @throws VelaError id -4 "Invalid stack position specified in header!": also for a chain that comes back

@@ -122,7 +122,8 @@ public:
     /// @throws VelaError id -1 "Imaginary buffer passed but stack is not complex!"
     /// @throws VelaError id -1 "Invalid position in segment!": `pos` is not below the number of samples
     /// @throws VelaError id -1 "Invalid on-the-fly conversion from '%s' to '%s'!" on the names of the type of the stack and
-    ///         of `type`
+    ///         of `type`; also where that of the stack has no size
+    /// @throws VelaError id -4 "Invalid dimension_sizes in stack header!": the samples have more bytes than can be counted
     /// @throws VelaError id -11 "Cancelled by user!"
     /// @throws what `VZippedSegment` and `VFile` throw
     virtual std::uint64_t read(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos) = 0;

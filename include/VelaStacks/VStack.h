@@ -16,6 +16,7 @@ namespace Vela {
 VELA_ABI_NAMESPACE_BEGIN
 class SampleBlock;
 class SharedMemory;
+class StackFiller;
 VELA_ABI_NAMESPACE_END
 }
 
@@ -169,6 +170,8 @@ public:
     std::uint64_t get_block_size() const;
 
 private:
+    friend class Vela::StackFiller;
+
     void resize();
 
     mutable VStackData data; ///< sharing moves the bytes and keeps their values

@@ -6,6 +6,7 @@
 #include "sources/binary_io/VBFFileImp.h"
 #include "sources/binary_io/VBFStackImp.h"
 #include "sources/file/file_errors.h"
+#include "sources/stacks/StackFiller.h"
 
 #include <algorithm>
 #include <boost/make_shared.hpp>
@@ -38,8 +39,8 @@ boost::shared_ptr<VStackInterface> VBFFileImp::read_stack(std::uint64_t index, i
 {
     const boost::shared_ptr<VBFStackInterface> stored = get_stack(index);
     const auto stack = boost::make_shared<VStackImp>();
-    stack->create(stored.get(), flags);
-    stored->read(stack->get_dt(), stack->get_data_ptr(), nullptr);
+    Vela::StackFiller::create(*stack, stored.get(), flags,
+                              [&] { stored->read(stack->get_dt(), stack->get_data_ptr(), nullptr); });
     return stack;
 }
 

@@ -71,7 +71,7 @@ private:
     void create_fixed(CreateBase create_base);
     void describe(const Vela::detail::StackRecord& record);
     std::uint64_t read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos);
-    void require_readable(std::uint64_t pos) const;
+    void require_readable(std::uint64_t first) const;
     void require_imaginary_parts(vela_dt type) const;
     void start_reading(vela_dt type);
     void read_chunk(std::uint64_t count, const ReadTarget& target);
