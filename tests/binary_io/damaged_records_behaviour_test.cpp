@@ -74,6 +74,7 @@ TEST_F(VbfDamagedRecords, AFileCutAnywhereNamesTheFieldThatItNoLongerHas)
     VbfRecords built(1, "file text");
     built.add_stack_record(rich_record());
     ASSERT_NO_THROW(open(built));
+    file->close();
     for (std::size_t size = 0; size < built.size(); ++size)
     {
         SCOPED_TRACE(size);
@@ -95,6 +96,7 @@ TEST_F(VbfDamagedRecords, WithADictionaryAFileCutAnywhereNamesTheFieldOfThatFirs
                                          built.pieces().begin() + static_cast<std::ptrdiff_t>(in_header));
     order.insert(order.end(), built.pieces().begin() + static_cast<std::ptrdiff_t>(in_chain), built.pieces().end());
     ASSERT_NO_THROW(open(built));
+    file->close();
     for (std::size_t size = 0; size < built.size(); ++size)
     {
         SCOPED_TRACE(size);
