@@ -166,8 +166,7 @@ TEST_F(VbfOpening, AnObjectThatIsOpenRefusesAnotherFileAndKeepsItsStacks)
     VbfRecords one(1);
     one.add_stack_record(bytes_record({9}));
     put(one, "other.vbf");
-    EXPECT_VELA_ERROR(file->open(file_name(path("other.vbf")), VFile::read_mode), -1,
-                      "File already open or attached!");
+    EXPECT_VELA_ERROR(file->open(file_name(path("other.vbf")), VFile::read_mode), -1, "File already open or attached!");
     ASSERT_EQ(file->number_of_stacks(), 2u);
     EXPECT_EQ(read_whole(*file->get_stack(1), vela_dt_uint8), (Bytes{4, 5, 6, 7}));
 }
