@@ -7,6 +7,7 @@
 #include "preview.h"
 #include "read.h"
 #include "unit.h"
+#include "verify.h"
 
 #include <VelaBase/VelaError.h>
 #include <VelaBase/version.h>
@@ -100,6 +101,14 @@ CLI::App* add_unit(CLI::App& app, UnitOptions& options)
     return command;
 }
 
+CLI::App* add_verify(CLI::App& app, VerifyOptions& options)
+{
+    CLI::App* const command = app.add_subcommand("verify", "inspect the whole file and all its samples");
+    add_file(*command, options.path);
+    command->add_flag("--json", options.json, "print one JSON document");
+    return command;
+}
+
 /// Help and version are no failures, though CLI11 throws them.
 int answer(const CLI::App& app, const CLI::ParseError& error)
 {
@@ -120,10 +129,12 @@ int run(int argc, char** argv)
     ReadOptions read_options;
     PreviewOptions preview_options;
     UnitOptions unit_options;
+    VerifyOptions verify_options;
     const CLI::App* const info = add_info(app, info_options);
     const CLI::App* const read = add_read(app, read_options);
     const CLI::App* const preview = add_preview(app, preview_options);
     const CLI::App* const unit = add_unit(app, unit_options);
+    const CLI::App* const verify = add_verify(app, verify_options);
     try
     {
         app.parse(argc, argv);
@@ -140,6 +151,8 @@ int run(int argc, char** argv)
         write_preview(preview_options);
     if (unit->parsed())
         print_unit(unit_options);
+    if (verify->parsed() && !verify_file(verify_options))
+        return failed;
     return done;
 }
 

@@ -1,21 +1,8 @@
 #include "scanned_file.h"
 
+#include "file_name.h"
+
 #include <VelaBase/VelaError.h>
-
-#include <stdexcept>
-
-namespace {
-
-/// The library drops bytes that are no UTF-8, and the name of another file could be left.
-VPropstring file_name(const std::string& path)
-{
-    VPropstring name(path, VPropstring::enc_utf8);
-    if (name.to(VPropstring::enc_utf8) != path)
-        throw std::runtime_error("The file name is no UTF-8: '" + path + "'");
-    return name;
-}
-
-} // namespace
 
 ScannedFile::ScannedFile(const std::string& path) : file(file_name(path), VFile::read_mode)
 {
