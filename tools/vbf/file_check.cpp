@@ -5,6 +5,7 @@
 #include "footer.h"
 #include "open_failure.h"
 #include "record_reader.h"
+#include "repair_plan.h"
 #include "samples_check.h"
 
 #include <Json/Value.h>
@@ -41,7 +42,7 @@ public:
         }
         catch (const VelaError& error)
         {
-            findings.add_wrong(0, error.get_msg());
+            findings.add_wrong(0, error.get_msg() + (can_be_mended() ? " vbf repair mends this" : ""));
             return;
         }
         header_end = file.tell();
@@ -58,6 +59,19 @@ public:
     }
 
 private:
+    /// An append leaves the start of the file overwritten.
+    bool can_be_mended()
+    {
+        try
+        {
+            return !plan_repair(file).patches.empty();
+        }
+        catch (const VelaError&)
+        {
+            return false;
+        }
+    }
+
     void walk(std::uint64_t first_stack_pos)
     {
         std::uint64_t field_pos = offsetof(VBFFileHeader, first_stack_pos);

@@ -6,6 +6,7 @@
 #include "info.h"
 #include "preview.h"
 #include "read.h"
+#include "repair.h"
 #include "unit.h"
 #include "verify.h"
 
@@ -101,6 +102,16 @@ CLI::App* add_unit(CLI::App& app, UnitOptions& options)
     return command;
 }
 
+CLI::App* add_repair(CLI::App& app, RepairOptions& options)
+{
+    CLI::App* const command =
+        app.add_subcommand("repair", "mend a file that was not closed, or to which stacks were appended");
+    add_file(*command, options.path);
+    command->add_option("--out", options.out, "write a mended copy")->type_name("NEW");
+    command->add_flag("--in-place", options.in_place, "mend the file itself");
+    return command;
+}
+
 CLI::App* add_verify(CLI::App& app, VerifyOptions& options)
 {
     CLI::App* const command = app.add_subcommand("verify", "inspect the whole file and all its samples");
@@ -130,11 +141,13 @@ int run(int argc, char** argv)
     PreviewOptions preview_options;
     UnitOptions unit_options;
     VerifyOptions verify_options;
+    RepairOptions repair_options;
     const CLI::App* const info = add_info(app, info_options);
     const CLI::App* const read = add_read(app, read_options);
     const CLI::App* const preview = add_preview(app, preview_options);
     const CLI::App* const unit = add_unit(app, unit_options);
     const CLI::App* const verify = add_verify(app, verify_options);
+    const CLI::App* const repair = add_repair(app, repair_options);
     try
     {
         app.parse(argc, argv);
@@ -151,6 +164,8 @@ int run(int argc, char** argv)
         write_preview(preview_options);
     if (unit->parsed())
         print_unit(unit_options);
+    if (repair->parsed())
+        repair_file(repair_options);
     if (verify->parsed() && !verify_file(verify_options))
         return failed;
     return done;
