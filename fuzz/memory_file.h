@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -31,6 +32,9 @@ public:
         file.detach();
         close(descriptor);
     }
+
+    /// For those who open it by name.
+    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor); }
 
     VFile file;
 

@@ -35,6 +35,7 @@
 #include <VelaBinaryIO/VBFFile.h>
 #include <VelaBinaryIO/VBFHeaders.h>
 #include <VelaBinaryIO/VBFStack.h>
+#include <VelaBinaryIO/vela_dbl.h>
 #include <VelaFile/VFile.h>
 #include <VelaFile/VFileAccess.h>
 #include <VelaFile/VZippedSegment.h>

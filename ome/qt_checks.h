@@ -11,4 +11,8 @@ bool is_timestamp(const std::string& text);
 /// Whether `text` is a UUID, and not the null one, from its tenth character on.
 bool is_uuid_urn(const std::string& text);
 
+/// "urn:uuid:" and the 36 characters of a UUID, in lower case. `text` is a UUID with or without braces and with or
+/// without "urn:uuid:"; anything else gives the null one.
+std::string uuid_urn(const std::string& text);
+
 } // namespace Ome::detail

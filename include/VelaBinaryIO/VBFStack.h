@@ -46,7 +46,7 @@ public:
     /// Stores a typed tag as the property XML of its value, see `vela_export_xml`; the type is not stored.
     ///
     /// `value` points to one value of the sample type `type`, which is one of: 1, 2, 4, 8, 16, 32, 64, 128, 1024, 2048, 4096,
-    /// 8192, 0x10000 (`VPropstring`), these of 1 to 128, 4096 and 8192 with the complex bit 0x40000000 as
+    /// 8192, 0x10000 (`bool`), those of 1 to 128, 4096 and 8192 with the complex bit 0x40000000 as
     /// `std::complex`; or to a `VProp` with 16384. 16 and 2048 share their type. A tag that is set after the footer was
     /// written stays in memory.
     /// @throws VelaError id -1 "Tag type not supported!"
@@ -60,7 +60,7 @@ public:
     /// Reads a typed tag into the value that `value` points to; the types are those of `set_tag`. False, and
     /// `value` untouched, when there is no such tag.
     /// @throws VelaError id -1 "Tag type not supported!"
-    /// @throws what `vela_import_xml` and the cast of the value to the type throw
+    /// @throws what `vela_import_xml` throws, and what `VProp::get` does: nothing is converted to another type
     virtual bool get_tag(const std::string& key, int type, void* value) const = 0;
 
     /// The text of a tag as it is stored.
@@ -92,6 +92,8 @@ public:
     /// @throws VelaError id -1 "Invalid compression type specified!": nothing is written
     /// @throws VelaError id -1 "Size of axis %d does not fit the file format!" on the axis: 2^32 columns or more; before
     ///         anything is written
+    /// @throws VelaError id -1 "Rank %d does not fit the file format!": more than 15 axes; before anything is written
+    /// @throws VelaError id -1 "String too long for its 4-byte length!": a text of 2^32 bytes or more
     /// @throws VelaError id -1 "Invalid on-the-fly conversion from '%s' to '%s'!" on the names of `type` and of the type of
     ///         the stack; also where one of them has no size, and then before anything is written
     /// @throws VelaError id -11 "Cancelled by user!"
@@ -140,4 +142,6 @@ public:
 
     /// -1 no description yet, 1 described, 2 being written, 0 complete.
     virtual int get_state() const = 0;
+
+    ~VBFStackInterface() override;
 };

@@ -298,6 +298,13 @@ protected:
     /// record has of them, axis by axis, what it can express; its refusal is no failure.
     void store_lengths(const std::vector<double>& lens);
     void store_offsets(const std::vector<double>& offs);
+
+    /// What a file keeps of an axis: the unit as it was set, without the guess of `get_units`, and the positions
+    /// of its columns as far as somebody has set or asked for them, one for each column. Those that are not as many
+    /// as the axis has columns by now are as the columns of an equidistant axis have them.
+    /// @throws VelaError id -15 "Invalid axis specified!"
+    const si::value& stored_units(std::uint64_t axis) const;
+    std::vector<double> stored_col_positions(std::uint64_t axis) const;
     /// @}
 
 private:

@@ -65,9 +65,22 @@ static_assert(offsetof(StackFooter, required_reader_version) == 1440, "on-disk o
 /// The neutral unit: the number 1.
 UnitRecord neutral_unit();
 
+/// What a footer that is shorter than this one leaves out: no columns, neutral units, no flush points, no tags, and all
+/// bits of the reader version set.
+StackFooter neutral_footer();
+
 /// Exponents go past the reducing constructor: 2/4 stays 2/4, in both directions.
 UnitRecord to_record(const si::value& unit);
 si::value from_record(const UnitRecord& record);
+
+/// The first entries of a header, as many as it has axes.
+std::vector<std::uint64_t> sizes_of(const VBFStackHeader& header);
+std::vector<double> lengths_of(const VBFStackHeader& header);
+std::vector<double> offsets_of(const VBFStackHeader& header);
+
+/// The 368 bytes of a stack header, with its lengths repaired. `read_stack_header` reads the texts behind it too.
+/// @throws VelaError as that does
+VBFStackHeader read_fixed_header(VFileAccess& file);
 
 /// All that a file says about a stack. It is what an open file keeps of each stack, so it takes no more memory than the
 /// stack's texts and columns need; the description with its OME record is built when somebody looks.

@@ -15,6 +15,7 @@
 class VBFStackImp;
 
 namespace Vela::detail {
+class ReadAhead;
 struct StackRecord;
 }
 
@@ -70,10 +71,14 @@ private:
     };
 
     void attach_imp(VFile::mode mode);
-    void read_chain();
+    void read_file();
+    VBFFileInfo read_front(Vela::detail::ReadAhead& stream);
+    void read_chain(Vela::detail::ReadAhead& stream, std::uint64_t first_stack_pos);
+    void remember_handle(const boost::shared_ptr<VBFStackImp>& copy);
     /// -1: not a path of such a file.
     int open_bf_dbl(const VPropstring& path);
     void close_imp();
+    void write_file_dictionary();
     void release_stacks();
 
     std::uint64_t next_field_pos = 0; ///< of the field that gets the position of the next finished stack; 0: not known
@@ -81,6 +86,7 @@ private:
     std::int32_t default_compression_type = 0;
     std::int32_t default_compression_level = 1;
     bool writable = false;
+    bool attached = false;                             ///< the handle is somebody else's
     std::vector<Entry> stacks;                         ///< in the order of the chain
     std::vector<boost::weak_ptr<VBFStackImp>> handles; ///< copies that were handed out
     vela_progress_callback progress_callback = nullptr;

@@ -55,15 +55,49 @@ public:
     /// @{
     void set_file(VBFFileImp* in_file) { file = in_file; }
     void set_empty(bool is_empty) { empty = is_empty; }
+    /// Makes this the stack of a DBL file: complete and locked, `in_data_length` bytes of samples as they are.
+    void set_plain_data(const std::vector<std::uint64_t>& in_sizes, const std::vector<double>& in_lengths,
+                        vela_dt in_dt, std::uint64_t in_data_pos, std::uint64_t in_data_length);
     std::uint64_t get_header_pos() const { return header_pos; }
     /// 0 in a stack that was written here.
     std::uint64_t get_stack_end_pos() const { return stack_end_pos; }
     /// @}
 
 private:
+    struct ReadTarget;
+
+    void require_no_description() const;
+    template <class CreateBase>
+    void create_fixed(CreateBase create_base);
+    void describe(const Vela::detail::StackRecord& record);
     std::uint64_t read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos);
+    void require_readable(std::uint64_t pos) const;
+    void require_imaginary_parts(vela_dt type) const;
+    void start_reading(vela_dt type);
+    void read_chunk(std::uint64_t count, const ReadTarget& target);
+
+    // The steps of `write`.
+    void require_writable() const;
+    std::uint64_t begin_writing(int type, const void* imag, std::uint64_t count);
+    void require_sample_sizes(int type, std::uint64_t count) const;
+    void require_steps(std::uint64_t count) const;
+    void require_imaginary_place(int type, const void* imag) const;
+    void require_room(std::uint64_t count) const;
+    void judge_commit(bool starting);
+    void start_record();
+    void write_samples(int type, const void* data, const void* imag, std::uint64_t count);
+    const unsigned char* in_stack_type(int type, const unsigned char* data, const unsigned char* imag,
+                                       std::uint64_t count);
+    void to_segment(const void* data, std::uint64_t size_bytes);
+    void finish_record();
+    void link();
+
+    // Header and footer on disk.
     void write_header();
     void write_footer();
+    void compose_metadata();
+    void write_behind_footer(VFileAccess& stream) const;
+    void patch_record(std::uint64_t footer_pos, std::uint64_t end_pos) const;
 
     std::map<std::string, std::string> tags;
     VBFFileImp* file;

@@ -3,6 +3,7 @@
 #include <VelaBase/VelaError.h>
 #include <VelaFile/VFileAccess.h>
 
+#include "sources/binary_io/StackRecord.h"
 #include "sources/binary_io/file_format.h"
 
 #include <algorithm>
@@ -43,15 +44,22 @@ VBFFileInfo read_file_header(VFileAccess& file)
     return info;
 }
 
+VBFStackHeader Vela::detail::read_fixed_header(VFileAccess& file)
+{
+    VBFStackHeader header;
+    file.read_value(header);
+    repair_lengths(header);
+    if (std::memcmp(header.magic, Vela::detail::stack_magic, sizeof header.magic) != 0)
+        throw_no_stack_header(__LINE__);
+    if (header.rank > VBFStackHeader::max_rank)
+        throw_no_stack_header(__LINE__);
+    return header;
+}
+
 VBFStackRecord read_stack_header(VFileAccess& file)
 {
     VBFStackRecord record;
-    file.read_value(record.header);
-    repair_lengths(record.header);
-    if (std::memcmp(record.header.magic, Vela::detail::stack_magic, sizeof record.header.magic) != 0)
-        throw_no_stack_header(__LINE__);
-    if (record.header.rank > VBFStackHeader::max_rank)
-        throw_no_stack_header(__LINE__);
+    record.header = Vela::detail::read_fixed_header(file);
     file.read_str(record.name, record.header.name_length);
     file.read_str(record.description, record.header.description_length);
     return record;

@@ -36,6 +36,10 @@ int descriptor_of_handle(void* handle);
 /// A file that exists is cut to nothing only after the lock is held.
 void* open_exclusive(const std::string& path, Access access, Creation creation);
 
+/// Opens a regular file or block device, named in UTF-8, to read beside whoever else has it open, locked or not.
+/// Null on failure.
+void* open_shared(const std::string& path);
+
 /// One transfer: continues over short system calls and interruptions until done, end of file or failure. Gives the
 /// bytes moved. The last system error is then that of the call that failed, and 0 where none did.
 std::uint64_t read(void* handle, void* buffer, std::uint32_t size_bytes);

@@ -56,18 +56,46 @@ bool lock_exclusively(int descriptor)
     }
 }
 
-bool prepare(int descriptor, Creation creation)
+/// O_NONBLOCK only kept the open itself from waiting.
+bool wait_from_now_on(int descriptor)
+{
+    const int flags = fcntl(descriptor, F_GETFL);
+    return flags >= 0 && fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0;
+}
+
+bool prepare_exclusive(int descriptor, Creation creation)
 {
     struct stat status;
-    if (fstat(descriptor, &status) != 0 || !is_openable(status) || !lock_exclusively(descriptor))
-        return false;
-    // O_NONBLOCK only kept the open itself from waiting.
-    const int flags = fcntl(descriptor, F_GETFL);
-    if (flags < 0 || fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0)
+    if (fstat(descriptor, &status) != 0 || !is_openable(status) || !lock_exclusively(descriptor) ||
+        !wait_from_now_on(descriptor))
         return false;
     if (creation == Creation::create_or_truncate && S_ISREG(status.st_mode))
         return retried([&] { return ftruncate(descriptor, 0); }) == 0;
     return true;
+}
+
+bool prepare_shared(int descriptor)
+{
+    struct stat status;
+    return fstat(descriptor, &status) == 0 && is_openable(status) && wait_from_now_on(descriptor);
+}
+
+/// Opens a file that `prepare` makes ready or refuses.
+template <class Prepare>
+void* open_prepared(const std::string& path, int flags, Prepare prepare)
+{
+    if (path.find('\0') != std::string::npos)
+        return nullptr; // the system would open what stands before the NUL
+    const int all_flags = flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    const int descriptor = retried([&] { return open(path.c_str(), all_flags, 0666); });
+    if (descriptor < 0)
+        return nullptr;
+    if (!prepare(descriptor))
+    {
+        ::close(descriptor);
+        return nullptr;
+    }
+    return handle_of_descriptor(descriptor);
 }
 
 /// Calls `call(done, size)` until `size_bytes` are moved, it gives 0 (end of file) or fails.
@@ -103,21 +131,15 @@ int descriptor_of_handle(void* handle)
 
 void* open_exclusive(const std::string& path, Access access, Creation creation)
 {
-    if (path.find('\0') != std::string::npos)
-        return nullptr; // the system would open what stands before the NUL
-    int flags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    flags |= access == Access::read ? O_RDONLY : O_RDWR;
+    int flags = access == Access::read ? O_RDONLY : O_RDWR;
     if (creation == Creation::create_or_truncate)
         flags |= O_CREAT;
-    const int descriptor = retried([&] { return open(path.c_str(), flags, 0666); });
-    if (descriptor < 0)
-        return nullptr;
-    if (!prepare(descriptor, creation))
-    {
-        ::close(descriptor);
-        return nullptr;
-    }
-    return handle_of_descriptor(descriptor);
+    return open_prepared(path, flags, [&](int descriptor) { return prepare_exclusive(descriptor, creation); });
+}
+
+void* open_shared(const std::string& path)
+{
+    return open_prepared(path, O_RDONLY, prepare_shared);
 }
 
 std::uint64_t read(void* handle, void* buffer, std::uint32_t size_bytes)

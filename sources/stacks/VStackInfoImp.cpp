@@ -249,6 +249,21 @@ si::value VStackInfoImp::get_units(std::uint64_t axis) const
     return unit;
 }
 
+const si::value& VStackInfoImp::stored_units(std::uint64_t axis) const
+{
+    _chk_ax(axis);
+    return units[axis];
+}
+
+std::vector<double> VStackInfoImp::stored_col_positions(std::uint64_t axis) const
+{
+    _chk_ax(axis);
+    const std::vector<double>& positions = col_positions[axis];
+    if (positions.empty() || positions.size() == sizes[axis])
+        return positions;
+    return equidistant_positions(offsets[axis], lengths[axis], sizes[axis]);
+}
+
 const si::value& VStackInfoImp::get_data_units() const
 {
     return data_units;

@@ -184,6 +184,41 @@ TEST(SetInfo, OfOtherShapesTakesWhatBothHave)
                          "Wrong number of labels!");
 }
 
+TEST(StoredColumnPositions, AreThoseThatSomebodySetOrAskedFor)
+{
+    OpenInfo info({4, 2});
+    info.set_len(0, 4.0);
+    EXPECT_THAT(info.stored_col_positions(0), IsEmpty());
+    info.get_col_positions(0);
+    info.set_col_positions(1, {7.0, 9.0});
+    EXPECT_THAT(info.stored_col_positions(0), ElementsAre(-1.5, -0.5, 0.5, 1.5));
+    EXPECT_THAT(info.stored_col_positions(1), ElementsAre(7.0, 9.0));
+    EXPECT_VELA_ERROR_IN(info.stored_col_positions(2), "VStackInfoImp::_chk_ax", folder, -15,
+                         "Invalid axis specified!");
+}
+
+TEST(StoredColumnPositions, AreEquidistantWhereTheAxisHasGrown)
+{
+    OpenInfo info({2, 2});
+    info.set_len(0, 4.0);
+    info.get_col_positions(0);
+    info.set_col_positions(1, {7.0, 9.0});
+    info.set_sizes({4, 1});
+    EXPECT_THAT(info.stored_col_positions(0), ElementsAre(-1.5, -0.5, 0.5, 1.5));
+    EXPECT_THAT(info.stored_col_positions(1), ElementsAre(0.0));
+}
+
+TEST(StoredUnits, AreNotGuessed)
+{
+    OpenInfo info(Sizes{2});
+    info.set_label(0, "X");
+    EXPECT_TRUE(info.stored_units(0).is_dimensionless());
+    EXPECT_FALSE(info.get_units(0).is_dimensionless());
+    info.set_units(0, si::value("2 mm"));
+    EXPECT_EQ(info.stored_units(0), si::value("2 mm"));
+    EXPECT_VELA_ERROR_IN(info.stored_units(1), "VStackInfoImp::_chk_ax", folder, -15, "Invalid axis specified!");
+}
+
 TEST(CreateFromInfo, TakesSizesAndType)
 {
     OpenInfo source({3, 2}, vela_dt_uint16);

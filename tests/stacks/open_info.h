@@ -31,6 +31,8 @@ public:
     using VStackInfoImp::set_variable_type;
     using VStackInfoImp::store_lengths;
     using VStackInfoImp::store_offsets;
+    using VStackInfoImp::stored_col_positions;
+    using VStackInfoImp::stored_units;
 };
 
 } // namespace vela_test

@@ -1,0 +1,45 @@
+/// Reads what a file says about its stacks.
+#pragma once
+
+#include "sources/binary_io/StackRecord.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Vela::detail {
+
+class ReadAhead;
+
+/// Reads the stacks of one chain. What a stack cannot be fails here, though its description is built later.
+///
+/// Failures are those of `VBFFileInterface::open` for a stack, in the order of the bytes.
+class StackRecordReader
+{
+public:
+    explicit StackRecordReader(ReadAhead& in_stream) : stream(in_stream) {}
+
+    /// The stack whose header stands at `position`, where the stream is.
+    StackRecord read(std::uint64_t position);
+
+private:
+    void read_front(StackRecord& record);
+    void read_back(StackRecord& record);
+    StackFooter read_footer();
+    void read_column_positions(const StackFooter& footer, StackRecord& record);
+    void read_column_labels(const StackFooter& footer, StackRecord& record);
+    void read_metadata(const StackFooter& footer, StackRecord& record);
+    void try_metadata(const StackRecord& record);
+    void read_flush_positions(const StackFooter& footer, StackRecord& record);
+    void require_bytes(std::uint64_t size_bytes) const;
+    void count_bytes(std::uint64_t size_bytes);
+
+    ReadAhead& stream;
+    std::uint64_t bytes_read = 0;
+
+    // The metadata that was tried last, and with what: mostly all stacks of a file have the same.
+    std::string good_metadata;
+    std::uint32_t good_rank = 0;
+    bool good_position = false;
+};
+
+} // namespace Vela::detail

@@ -1,0 +1,59 @@
+// Stacks that are added to a file.
+#include "sources/binary_io/VBFFileImp.h"
+
+#include <VelaBase/VelaError.h>
+#include <VelaStacks/VStack.h>
+
+#include "sources/binary_io/VBFStackImp.h"
+#include "sources/stacks/block_size.h"
+
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace {
+
+/// Writes samples that the block of a stack does not have as zeros.
+void write_zeros(VBFStackInterface& stack, vela_dt dt, std::uint64_t count)
+{
+    constexpr std::uint64_t samples_at_once = 0x10000;
+    const std::uint64_t most = std::min(count, samples_at_once);
+    const std::vector<unsigned char> zeros(most * vela_dt_get_size(static_cast<std::uint32_t>(dt)));
+    for (std::uint64_t left = count; left != 0; left -= std::min(left, most))
+        stack.write(dt, zeros.data(), nullptr, std::min(left, most));
+}
+
+} // namespace
+
+boost::shared_ptr<VBFStackInterface> VBFFileImp::add_stack(bool empty)
+{
+    if (!VFile::is_open() || !writable)
+        throw VelaError("VBFFileImp::add_stack", __FILE__, __LINE__)("File not open for writing!")(-1);
+    finish();
+    const auto stack = boost::make_shared<VBFStackImp>(this);
+    stack->set_compression(default_compression_type, default_compression_level);
+    stack->set_empty(empty);
+    Entry entry;
+    entry.written = stack;
+    stacks.push_back(entry);
+    return stack;
+}
+
+void VBFFileImp::write_stack(VStackInterface* stack, int flags)
+{
+    const boost::shared_ptr<VBFStackInterface> added = add_stack(false);
+    added->create(stack, flags);
+    const vela_dt dt = stack->get_dt();
+    const std::uint64_t sample_size = vela_dt_get_size(static_cast<std::uint32_t>(dt));
+    const std::uint64_t count = added->get_number_of_elements();
+    const unsigned char* const samples = static_cast<const VStackInterface*>(stack)->get_data_ptr();
+    // Somebody who shares the samples may have made the block smaller than the description says.
+    const std::uint64_t there =
+        sample_size == 0 ? count : std::min(count, Vela::detail::block_size(*stack) / sample_size);
+    if (there == count)
+        return added->write(dt, samples, nullptr, VBFStackInterface::all_samples);
+    if (there != 0)
+        added->write(dt, samples, nullptr, there);
+    write_zeros(*added, dt, count - there);
+}

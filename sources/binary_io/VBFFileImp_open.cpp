@@ -1,0 +1,118 @@
+// Opening: the header of the file, its dictionary, and the chain of its stacks.
+#include <VelaBase/VelaError.h>
+
+#include "sources/binary_io/StackRecordReader.h"
+#include "sources/binary_io/VBFFileImp.h"
+#include "sources/binary_io/VBFStackImp.h"
+#include "sources/binary_io/file_format.h"
+#include "sources/file/ReadAhead.h"
+
+#include <unordered_set>
+#include <utility>
+
+using Vela::detail::ReadAhead;
+using Vela::detail::StackRecord;
+using Vela::detail::StackRecordReader;
+
+namespace {
+
+[[noreturn]] void throw_invalid_position(int line)
+{
+    throw VelaError("VBFFileImp::attach_imp", __FILE__, line)("Invalid stack position specified in header!")(-4);
+}
+
+/// Calls `read`; where a `VelaError` comes out of it, the file is moved to `position` first.
+template <class Read>
+void read_or_return_to(std::uint64_t position, VFile& file, Read read)
+{
+    try
+    {
+        read();
+    }
+    catch (const VelaError&)
+    {
+        file.seek(position);
+        throw;
+    }
+}
+
+std::shared_ptr<const StackRecord> read_record(ReadAhead& stream, StackRecordReader& reader, std::uint64_t position)
+{
+    if (stream.seek(position) == VFileAccess::all_ones)
+        throw_invalid_position(__LINE__);
+    return std::make_shared<const StackRecord>(reader.read(position));
+}
+
+} // namespace
+
+void VBFFileImp::attach_imp(VFile::mode attach_mode)
+{
+    release_stacks();
+    writable = false;
+    dictionary.clear();
+    meta_data_pos = meta_end_pos = meta_field_pos = 0;
+    switch (attach_mode)
+    {
+    case VFile::read_mode:
+        return read_file();
+    case VFile::write_mode:
+        next_field_pos = 0;
+        writable = true;
+        header_pending = true;
+        return;
+    case VFile::append_mode:
+        read_file();
+        VFile::seek(all_ones);
+        writable = true;
+        return;
+    }
+    throw VelaError("VBFFileImp::attach_imp", __FILE__, __LINE__)("Invalid opening mode!")(-15);
+}
+
+void VBFFileImp::read_file()
+{
+    const std::uint64_t start = VFile::tell();
+    next_field_pos = start + Vela::detail::first_stack_field;
+    ReadAhead stream(*this);
+    VBFFileInfo info;
+    read_or_return_to(start, *this, [&] { info = read_front(stream); });
+    const std::uint64_t after_header = stream.tell();
+    read_or_return_to(after_header, *this, [&] { read_chain(stream, info.header.first_stack_pos); });
+    header_pending = false;
+    VFile::seek(after_header);
+}
+
+/// A `meta_data_pos` that the system refuses is not left: what stands behind the header is tried.
+VBFFileInfo VBFFileImp::read_front(ReadAhead& stream)
+{
+    VBFFileInfo info = read_file_header(stream);
+    format_version = info.header.format_version;
+    description = info.description;
+    if (format_version <= Vela::detail::last_version_without_dictionary)
+        return info;
+    meta_data_pos = info.meta_data_pos;
+    const std::uint64_t after_header = stream.tell();
+    stream.seek(meta_data_pos);
+    read_dictionary(stream, dictionary);
+    meta_end_pos = stream.tell();
+    stream.seek(after_header);
+    return info;
+}
+
+void VBFFileImp::read_chain(ReadAhead& stream, std::uint64_t first_stack_pos)
+{
+    StackRecordReader reader(stream);
+    std::unordered_set<std::uint64_t> visited;
+    std::vector<Entry> chain;
+    std::uint64_t field_pos = next_field_pos;
+    for (std::uint64_t pos = first_stack_pos; pos > 0;)
+    {
+        if (!visited.insert(pos).second)
+            throw_invalid_position(__LINE__);
+        chain.push_back({read_record(stream, reader, pos), nullptr});
+        field_pos = pos + Vela::detail::next_stack_field;
+        pos = chain.back().record->header.next_stack_pos;
+    }
+    stacks = std::move(chain);
+    next_field_pos = field_pos;
+}

@@ -1,0 +1,58 @@
+// Handing out the stacks of a file.
+#include <VelaBase/VelaError.h>
+#include <VelaStacks/VStack.h>
+
+#include "sources/binary_io/StackRecord.h"
+#include "sources/binary_io/VBFFileImp.h"
+#include "sources/binary_io/VBFStackImp.h"
+#include "sources/file/file_errors.h"
+
+#include <algorithm>
+#include <boost/make_shared.hpp>
+
+boost::shared_ptr<VBFStackInterface> VBFFileImp::get_stack(std::uint64_t index)
+{
+    if (index >= stacks.size())
+        throw VelaError("VBFFileImp::get_stack", __FILE__, __LINE__)("Invalid stack index %d!",
+                                                                     Vela::detail::low_bits(index))(-4);
+    const Entry& entry = stacks[index];
+    const boost::shared_ptr<VBFStackImp> copy = entry.written != nullptr
+                                                    ? boost::make_shared<VBFStackImp>(*entry.written)
+                                                    : boost::make_shared<VBFStackImp>(this, *entry.record);
+    remember_handle(copy);
+    return copy;
+}
+
+/// Those that are gone leave when the list would grow, so it is never longer than twice the most that lived at once.
+void VBFFileImp::remember_handle(const boost::shared_ptr<VBFStackImp>& copy)
+{
+    if (handles.size() == handles.capacity())
+    {
+        std::erase_if(handles, [](const boost::weak_ptr<VBFStackImp>& known) { return known.expired(); });
+        handles.reserve(2 * handles.size() + 1);
+    }
+    handles.push_back(copy);
+}
+
+boost::shared_ptr<VStackInterface> VBFFileImp::read_stack(std::uint64_t index, int flags)
+{
+    const boost::shared_ptr<VBFStackInterface> stored = get_stack(index);
+    const auto stack = boost::make_shared<VStackImp>();
+    stack->create(stored.get(), flags);
+    stored->read(stack->get_dt(), stack->get_data_ptr(), nullptr);
+    return stack;
+}
+
+std::uint64_t VBFFileImp::seek_to_end_of_stack(std::uint64_t index)
+{
+    if (writable || !VFile::is_open())
+        throw VelaError("VBFFileImp::seek_to_end_of_stack", __FILE__,
+                        __LINE__)("File must be open in read mode to allow seeking to end of file!")(-1);
+    if (index >= stacks.size())
+        throw VelaError("VBFFileImp::seek_to_end_of_stack", __FILE__, __LINE__)("Invalid stack number!")(-1);
+    const Entry& entry = stacks[index];
+    const std::uint64_t end =
+        entry.record != nullptr ? entry.record->stack_end_pos : entry.written->get_stack_end_pos();
+    VFile::seek(end);
+    return end;
+}

@@ -1,0 +1,183 @@
+// Reading the samples of a stack.
+#include <VelaBase/VelaError.h>
+#include <VelaBase/vela_dt.h>
+#include <VelaBase/vela_dt_convert.h>
+
+#include "sources/binary_io/VBFFileImp.h"
+#include "sources/binary_io/VBFStackImp.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+constexpr int reading = 1;
+
+/// Puts the position of a file back, whatever happens.
+class PositionGuard
+{
+public:
+    explicit PositionGuard(VFile& in_file) : file(in_file), position(in_file.tell()) {}
+    PositionGuard(const PositionGuard&) = delete;
+    PositionGuard& operator=(const PositionGuard&) = delete;
+
+    ~PositionGuard()
+    {
+        try
+        {
+            if (position != VFileAccess::all_ones)
+                file.seek(position);
+        }
+        catch (...)
+        {
+            // Only a file that was closed meanwhile fails, and that has no position.
+        }
+    }
+
+private:
+    VFile& file;
+    const std::uint64_t position;
+};
+
+[[noreturn]] void throw_read_error(int line, const char* text)
+{
+    throw VelaError("VBFStackImp::read_imp", __FILE__, line)("%s", text)(-1);
+}
+
+[[noreturn]] void throw_invalid_conversion(int line, vela_dt from, vela_dt to)
+{
+    throw VelaError("VBFStackImp::read_imp", __FILE__, line)("Invalid on-the-fly conversion from '%s' to '%s'!",
+                                                             vela_dt_get_name(from), vela_dt_get_name(to))(-1);
+}
+
+std::uint64_t size_of_sample(vela_dt type)
+{
+    return vela_dt_get_size(static_cast<std::uint32_t>(type));
+}
+
+} // namespace
+
+/// What is left of the buffers of a caller.
+struct VBFStackImp::ReadTarget
+{
+    vela_dt type;
+    unsigned char* data;
+    unsigned char* imag; ///< null: `data` gets whole samples
+
+    void fill(std::uint64_t count) const
+    {
+        if (count == 0)
+            return;
+        std::memset(data, 0, count * size_of_sample(type));
+        if (imag != nullptr)
+            std::memset(imag, 0, count * size_of_sample(type));
+    }
+
+    void advance(std::uint64_t count)
+    {
+        data += count * size_of_sample(type);
+        if (imag != nullptr)
+            imag += count * size_of_sample(type);
+    }
+};
+
+void VBFStackImp::read(int type, void* data, void* imag)
+{
+    std::uint64_t pos = 0;
+    read(type, data, imag, all_samples, pos);
+}
+
+std::uint64_t VBFStackImp::read(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos)
+{
+    return read_imp(type, data, imag, count, pos);
+}
+
+std::uint64_t VBFStackImp::read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos)
+{
+    if (pos == continued)
+        pos = read_pos;
+    require_readable(pos);
+    VBFFileImp& owner = *file;
+    const PositionGuard guard(owner);
+    if (imag != nullptr)
+        require_imaginary_parts(type);
+    if (pos > get_number_of_elements())
+        throw_read_error(__LINE__, "Invalid position in segment!");
+    const std::uint64_t left = get_number_of_elements() - pos;
+    const bool to_end = count >= left;
+    count = std::min(count, left);
+    ReadTarget target{type, static_cast<unsigned char*>(data), static_cast<unsigned char*>(imag)};
+    if (empty)
+    {
+        target.fill(count);
+        return count;
+    }
+
+    start_reading(type);
+    const std::uint64_t sample_size = size_of_sample(get_dt());
+    segment.seek(pos * sample_size);
+    const std::uint64_t chunk = std::max<std::uint64_t>(owner.get_chunk_size() / sample_size, 1);
+    for (std::uint64_t samples_to_read = count; samples_to_read > 0;)
+    {
+        const std::uint64_t n = std::min(chunk, samples_to_read);
+        if (!owner.report_progress(n * sample_size))
+            throw VelaError("VBFStackImp::read_imp", __FILE__, __LINE__)("Cancelled by user!")(-11);
+        read_chunk(n, target);
+        target.advance(n);
+        samples_to_read -= n;
+    }
+
+    pos = to_end ? exhausted : pos + count;
+    if (to_end)
+        segment.end();
+    read_pos = pos;
+    return count;
+}
+
+void VBFStackImp::require_readable(std::uint64_t pos) const
+{
+    if (pos == exhausted)
+        throw_read_error(__LINE__, "Invalid position (-1) passed. Possible reason: Last read call exhausted data.");
+    if (file == nullptr)
+        throw_read_error(__LINE__, "Cannot access VBFStack, file has been closed!");
+    if (state != 0)
+        throw_read_error(__LINE__, "Stack not committed to disk. Cannot read!");
+}
+
+void VBFStackImp::require_imaginary_parts(vela_dt type) const
+{
+    if ((type & vela_dt_complex) != 0)
+        throw_read_error(__LINE__, "Imaginary buffer passed but buffer type is already complex!");
+    if ((get_dt() & vela_dt_complex) == 0)
+        throw_read_error(__LINE__, "Imaginary buffer passed but stack is not complex!");
+}
+
+/// Starts the segment, unless a read that stopped short of the end left it running.
+void VBFStackImp::start_reading(vela_dt type)
+{
+    if (segment.is_initialized() == reading)
+        return;
+    const std::uint64_t sample_size = size_of_sample(get_dt());
+    if (sample_size == 0)
+        throw_invalid_conversion(__LINE__, get_dt(), type);
+    if (get_number_of_elements() > std::numeric_limits<std::uint64_t>::max() / sample_size)
+        throw VelaError("VBFStackImp::read_imp", __FILE__, __LINE__)("Invalid dimension_sizes in stack header!")(-4);
+    const int level = compression_type == 1 ? compression_level : 0;
+    segment.init_r(*file, level, data_pos, data_length, get_size(vela_dt_none));
+    if (flush_block_size != 0)
+        segment.set_flush_positions(flush_positions, flush_block_size);
+}
+
+void VBFStackImp::read_chunk(std::uint64_t count, const ReadTarget& target)
+{
+    const std::uint64_t size_bytes = count * size_of_sample(get_dt());
+    if (target.type == get_dt() && target.imag == nullptr)
+        return segment.read(target.data, size_bytes);
+    if (scratch.size() < size_bytes)
+        scratch = std::vector<unsigned char>(size_bytes);
+    segment.read(scratch.data(), size_bytes);
+    if (vela_dt_convert(static_cast<std::uint32_t>(get_dt()), static_cast<std::uint32_t>(target.type), scratch.data(),
+                        target.data, count, nullptr, target.imag) != 0)
+        throw_invalid_conversion(__LINE__, get_dt(), target.type);
+}
