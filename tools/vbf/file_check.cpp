@@ -158,7 +158,7 @@ private:
     {
         try
         {
-            FlushTable table = inspect_footer(reader, stack.header, findings);
+            FlushTable table = inspect_footer(reader, stack.header, findings).flush;
             claim(footer_pos, reader.tell(), "the footer");
             return table;
         }

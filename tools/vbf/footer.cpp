@@ -6,6 +6,7 @@
 
 #include <Json/property_bridge.h>
 #include <VelaBase/VelaError.h>
+#include <VelaFile/VFile.h>
 #include <VelaProps/VProp.h>
 #include <VelaProps/property_xml.h>
 
@@ -62,16 +63,19 @@ public:
     {
     }
 
-    FlushTable run()
+    FooterParts run()
     {
+        FooterParts parts;
         read_footer();
         check_fields();
+        for (std::size_t axis = 0; axis < sizes.size(); ++axis)
+            parts.units.push_back(unit_of(axis));
         read_columns();
         read_metadata();
-        FlushTable table = read_flush_table();
+        parts.flush = read_flush_table();
         read_tags();
         check_end();
-        return table;
+        return parts;
     }
 
 private:
@@ -114,6 +118,22 @@ private:
                                                [](const auto& exponent) { return exponent.denominator != 0; });
         if (!has_exponents || !std::isfinite(unit.number))
             findings.add_odd(start + offset_bytes, "the unit of " + what + " is none");
+    }
+
+    std::optional<si::value> unit_of(std::size_t axis) const
+    {
+        const std::size_t end_of_units = offsetof(Footer, dimension_units) + (axis + 1) * sizeof(UnitRecord);
+        if (!reaches(end_of_units))
+            return std::nullopt;
+        const UnitRecord record = footer.dimension_units[axis]; // aligned
+        std::array<si::fraction, si::value::dimension_count> exponents;
+        bool neutral = record.number == 1;
+        for (std::size_t i = 0; i < exponents.size(); ++i)
+        {
+            exponents[i] = si::fraction(record.exponents[i].numerator, record.exponents[i].denominator);
+            neutral = neutral && record.exponents[i].numerator == 0;
+        }
+        return neutral ? std::optional<si::value>() : si::value(record.number, exponents);
     }
 
     void read_columns()
@@ -224,11 +244,27 @@ private:
 
 } // namespace
 
-FlushTable inspect_footer(RecordReader& reader, const VBFStackHeader& header, Findings& findings)
+FooterParts inspect_footer(RecordReader& reader, const VBFStackHeader& header, Findings& findings)
 {
     if (header.format_version == 0)
         return {};
     return Inspection(reader, header, findings).run();
+}
+
+FooterParts read_footer_parts(VFile& file, const VBFChainEntry& stack)
+{
+    try
+    {
+        Findings ignored;
+        RecordReader reader(file);
+        reader.seek(stack.data_pos, "data segment");
+        reader.skip(stack.header.data_length_on_disk, "data segment");
+        return inspect_footer(reader, stack.header, ignored);
+    }
+    catch (const Damage&)
+    {
+        return {};
+    }
 }
 
 std::vector<std::string> inspect_dictionary(RecordReader& reader, const std::string& what, Findings& findings)

@@ -3,13 +3,18 @@
 
 #include <VelaBinaryIO/VBFHeaders.h>
 
+#include <si/value.h>
+
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
 
 class Findings;
 class RecordReader;
+class VFile;
 
-/// What the inspection of the samples needs of the footer.
+/// The flush points of a stack.
 struct FlushTable
 {
     std::vector<std::uint64_t> positions; ///< offsets in the data segment
@@ -17,11 +22,22 @@ struct FlushTable
     std::uint64_t block_bytes = 0;
 };
 
+/// What a footer says that the library does not show.
+struct FooterParts
+{
+    FlushTable flush;
+    /// The unit of each axis as it is stored; nothing where none is.
+    std::vector<std::optional<si::value>> units;
+};
+
 /// Inspects the footer of a stack and the parts behind it, from the place where `reader` stands to the end of the record,
 /// where it leaves `reader`. Stacks of version 0 have no footer.
 ///
 /// @throws Damage: the rest of the record cannot be read.
-FlushTable inspect_footer(RecordReader& reader, const VBFStackHeader& header, Findings& findings);
+FooterParts inspect_footer(RecordReader& reader, const VBFStackHeader& header, Findings& findings);
+
+/// The same for a stack of a scan; what cannot be read is empty.
+FooterParts read_footer_parts(VFile& file, const VBFChainEntry& stack);
 
 /// Inspects a dictionary, that of a file or the tags of a stack; gives its keys. `reader` is left behind it.
 ///

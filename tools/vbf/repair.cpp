@@ -49,15 +49,6 @@ void write_copy(VFile& file, const RepairPlan& plan, Output& output)
     output.finish();
 }
 
-void mend_in_place(VFile& file, const RepairPlan& plan)
-{
-    for (const Patch& patch : plan.patches)
-    {
-        file.seek(patch.position);
-        file.write(patch.bytes.data(), patch.bytes.size());
-    }
-}
-
 void print(const std::string& text)
 {
     Output output("", "");

@@ -167,3 +167,12 @@ RepairPlan plan_repair(VFile& file)
 {
     return Patient(file).plan();
 }
+
+void mend_in_place(VFile& file, const RepairPlan& plan)
+{
+    for (const Patch& patch : plan.patches)
+    {
+        file.seek(patch.position);
+        file.write(patch.bytes.data(), patch.bytes.size());
+    }
+}

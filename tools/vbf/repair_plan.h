@@ -33,3 +33,8 @@ struct RepairPlan
 ///
 /// @throws VelaError as `scan_chain` does: there is something else wrong with the file.
 RepairPlan plan_repair(VFile& file);
+
+/// Writes the patches into `file`, which is open for writing.
+///
+/// @throws VelaError as `VFile` does
+void mend_in_place(VFile& file, const RepairPlan& plan);
