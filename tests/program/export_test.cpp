@@ -119,6 +119,9 @@ TEST_F(ExportTest, WhatCannotBeWrittenLeavesNoFile)
     EXPECT_FALSE(std::filesystem::exists(out()));
     expect_failure({"export", put(build_vbf(plain_stack<std::uint8_t>({0, 5}, 1, {}))), "0", out()}, 1,
                    "The stack has no samples.");
+    StackRecipe many;
+    many.sizes = {1, 1, 65536};
+    expect_failure({"export", put(build_vbf(many)), "0", out()}, 1, "The stack has more than 65535 planes.");
     const std::string file = put(get_bytes(VELA_GOLGI_FILE));
     expect_failure({"export", file, "0", file}, 2, "The output would overwrite the input.");
     EXPECT_EQ(get_bytes(file), get_bytes(VELA_GOLGI_FILE));

@@ -70,6 +70,7 @@ void for_each_run(const std::vector<Range>& box, const std::vector<std::uint32_t
         step *= sizes[outer++];
     const std::uint64_t count = outer < box.size() ? (box[outer].end - box[outer].begin) * step : step;
     std::vector<std::uint64_t> at;
+    at.reserve(box.size());
     for (const Range& range : box)
         at.push_back(range.begin);
     for (;;)

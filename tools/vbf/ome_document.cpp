@@ -106,6 +106,8 @@ OmePlanes::OmePlanes(const VStackInfoInterface& stack)
     if (stack_sizes.size() > sizes.size())
         throw std::runtime_error("The stack has more than five axes.");
     std::copy(stack_sizes.begin(), stack_sizes.end(), sizes.begin());
+    if (get_count() > max_planes)
+        throw std::runtime_error("The stack has more than " + std::to_string(max_planes) + " planes.");
 
     std::string left = further_axes;
     std::string chosen(sizes.size(), ' ');

@@ -12,9 +12,12 @@
 /// A stack as planes of X and Y along three further axes.
 struct OmePlanes
 {
+    /// Readers count the pages of a TIFF file in 16 bits.
+    static constexpr std::uint64_t max_planes = 65535;
+
     /// Axes with the labels Z, T and C are these; others take what is left, in that order.
     ///
-    /// @throws std::runtime_error: the stack has no samples, or more than five axes.
+    /// @throws std::runtime_error: the stack has no samples, more than five axes or too many planes.
     explicit OmePlanes(const VStackInfoInterface& stack);
 
     std::uint64_t get_count() const { return sizes[2] * sizes[3] * sizes[4]; }
