@@ -11,7 +11,8 @@
 #include "sources/stacks/product.h"
 
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <bit>
 #include <limits>
 
 namespace Vela::detail {
@@ -49,8 +50,8 @@ void require_own_version(std::uint32_t required)
 
 bool is_neutral(const UnitRecord& unit)
 {
-    const UnitRecord neutral = neutral_unit();
-    return std::memcmp(&unit, &neutral, sizeof neutral) == 0;
+    typedef std::array<unsigned char, sizeof unit> UnitBytes;
+    return std::bit_cast<UnitBytes>(unit) == std::bit_cast<UnitBytes>(neutral_unit());
 }
 
 void take_units(const StackFooter& footer, StackRecord& record)
