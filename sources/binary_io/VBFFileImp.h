@@ -19,8 +19,10 @@ class ReadAhead;
 struct StackRecord;
 }
 
-/// Where it lives: VBFFileImp.cpp (state, small operations, the handle class), VBFFileImp_open.cpp (opening and the chain),
-/// VBFFileImp_write.cpp (headers, chain and closing when writing), VBFFileImp_stacks.cpp (adding, handing out, whole stacks).
+/// Where it lives: VBFFileImp.cpp (life and state), VBFFileImp_settings.cpp (what a caller sets), VBFFileImp_open.cpp
+/// (opening and the chain), VBFFileImp_dbl.cpp (DBL files), VBFFileImp_stacks.cpp (handing out stacks),
+/// VBFFileImp_add.cpp (adding stacks), VBFFileImp_write.cpp (header, links and dictionary to disk). VBFFile.cpp has the
+/// handle class.
 class VBFFileImp : public VBFFileInterface, public VFile
 {
 public:
@@ -86,18 +88,23 @@ private:
     std::int32_t default_compression_type = 0;
     std::int32_t default_compression_level = 1;
     bool writable = false;
+    void forget_file();
     bool attached = false;                             ///< the handle is somebody else's
     std::vector<Entry> stacks;                         ///< in the order of the chain
     std::vector<boost::weak_ptr<VBFStackImp>> handles; ///< copies that were handed out
     vela_progress_callback progress_callback = nullptr;
     void* progress_user = nullptr;
     std::string description;
-    std::uint32_t format_version = 2;
+    std::uint32_t format_version = newest_format_version;
     Json::Value ome_document;
     Json::SignalingReference ome_reference;
     Ome::Document<Json::SignalingReference> ome_root;
     VBFDictionary dictionary;
+    /// Of the files that are written.
+    static constexpr std::uint32_t newest_format_version = 2;
+
     std::uint64_t meta_data_pos = 0;
     std::uint64_t meta_end_pos = 0;
     std::uint64_t meta_field_pos = 0;
 };
+    bool has_handle = false;                           ///< while it is open, unless null was attached

@@ -47,16 +47,12 @@ std::shared_ptr<const StackRecord> read_record(ReadAhead& stream, StackRecordRea
 
 void VBFFileImp::attach_imp(VFile::mode attach_mode)
 {
-    release_stacks();
-    writable = false;
-    dictionary.clear();
-    meta_data_pos = meta_end_pos = meta_field_pos = 0;
+    forget_file();
     switch (attach_mode)
     {
     case VFile::read_mode:
         return read_file();
     case VFile::write_mode:
-        next_field_pos = 0;
         writable = true;
         header_pending = true;
         return;
@@ -73,6 +69,18 @@ void VBFFileImp::read_file()
 {
     const std::uint64_t start = VFile::tell();
     next_field_pos = start + Vela::detail::first_stack_field;
+/// The state of an object that has had no file yet, but for what callers set beforehand.
+void VBFFileImp::forget_file()
+{
+    release_stacks();
+    next_field_pos = 0;
+    header_pending = writable = false;
+    description.clear();
+    format_version = newest_format_version;
+    dictionary.clear();
+    meta_data_pos = meta_end_pos = meta_field_pos = 0;
+}
+
     ReadAhead stream(*this);
     VBFFileInfo info;
     read_or_return_to(start, *this, [&] { info = read_front(stream); });
