@@ -1,6 +1,8 @@
 #include "sources/binary_io/StackRecord.h"
 
 #include <array>
+#include <cstring>
+#include <iterator>
 #include <limits>
 
 namespace Vela::detail {
@@ -28,6 +30,12 @@ UnitRecord neutral_unit()
         exponent = {0, 1};
     record.number = 1.0;
     return record;
+}
+
+bool is_neutral(const UnitRecord& unit)
+{
+    const UnitRecord neutral = neutral_unit();
+    return std::memcmp(&unit, &neutral, sizeof neutral) == 0;
 }
 
 StackFooter neutral_footer()

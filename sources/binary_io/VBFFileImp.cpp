@@ -68,8 +68,7 @@ void* VBFFileImp::detach()
 void VBFFileImp::release_stacks()
 {
     for (const Entry& entry : stacks)
-        if (entry.written != nullptr)
-            entry.written->set_file(nullptr);
+        entry.lose_file();
     for (const boost::weak_ptr<VBFStackImp>& copy : handles)
         if (const boost::shared_ptr<VBFStackImp> stack = copy.lock())
             stack->set_file(nullptr);

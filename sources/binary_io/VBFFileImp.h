@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 class VBFStackImp;
@@ -66,16 +67,32 @@ public:
 
 private:
     /// A stack of the chain: what the file says of it, or the object that was or is being written.
-    struct Entry
+    class Entry
     {
-        std::shared_ptr<const Vela::detail::StackRecord> record; ///< exactly one of the two is set
+    public:
+        explicit Entry(std::shared_ptr<const Vela::detail::StackRecord> in_record) : record(std::move(in_record)) {}
+        explicit Entry(boost::shared_ptr<VBFStackImp> in_written) : written(std::move(in_written)) {}
+
+        std::uint64_t end_pos() const;
+        boost::shared_ptr<VBFStackImp> copy(VBFFileImp* file) const;
+        /// Null for one that was read.
+        VBFStackImp* object() const { return written.get(); }
+        void lose_file() const;
+        /// Keeps of an object that nobody else holds only what a file would say of it. `before`: the stack in front of
+        /// it.
+        void shrink(const Entry* before);
+
+    private:
+        std::shared_ptr<const Vela::detail::StackRecord> record; ///< one of the two is set
         boost::shared_ptr<VBFStackImp> written;
     };
 
     void attach_imp(VFile::mode mode);
+    void forget_file();
     void read_file();
     VBFFileInfo read_front(Vela::detail::ReadAhead& stream);
     void read_chain(Vela::detail::ReadAhead& stream, std::uint64_t first_stack_pos);
+    void shrink_finished_stacks();
     void remember_handle(const boost::shared_ptr<VBFStackImp>& copy);
     /// -1: not a path of such a file.
     int open_bf_dbl(const VPropstring& path);
@@ -83,13 +100,16 @@ private:
     void write_file_dictionary();
     void release_stacks();
 
+    /// Of the files that are written.
+    static constexpr std::uint32_t newest_format_version = 2;
+
     std::uint64_t next_field_pos = 0; ///< of the field that gets the position of the next finished stack; 0: not known
     bool header_pending = false;
     std::int32_t default_compression_type = 0;
     std::int32_t default_compression_level = 1;
     bool writable = false;
-    void forget_file();
     bool attached = false;                             ///< the handle is somebody else's
+    bool has_handle = false;                           ///< while it is open, unless null was attached
     std::vector<Entry> stacks;                         ///< in the order of the chain
     std::vector<boost::weak_ptr<VBFStackImp>> handles; ///< copies that were handed out
     vela_progress_callback progress_callback = nullptr;
@@ -100,11 +120,7 @@ private:
     Json::SignalingReference ome_reference;
     Ome::Document<Json::SignalingReference> ome_root;
     VBFDictionary dictionary;
-    /// Of the files that are written.
-    static constexpr std::uint32_t newest_format_version = 2;
-
     std::uint64_t meta_data_pos = 0;
     std::uint64_t meta_end_pos = 0;
     std::uint64_t meta_field_pos = 0;
 };
-    bool has_handle = false;                           ///< while it is open, unless null was attached

@@ -57,7 +57,8 @@ int VBFFileImp::open_bf_dbl(const VPropstring& path)
     const auto stack = boost::make_shared<VBFStackImp>(this);
     stack->set_plain_data(stack_sizes, stack_lengths, dt, header_size, data_length);
     VFile::open(path, VFile::read_mode);
-    attached = writable = header_pending = false;
-    stacks.push_back({nullptr, stack});
+    has_handle = true;
+    attached = false;
+    stacks.emplace_back(stack);
     return 0;
 }

@@ -74,14 +74,14 @@ void VBFFileImp::finish()
     write_file_header();
     if (stacks.empty())
         return;
-    VBFStackImp* const last = stacks.back().written.get();
+    VBFStackImp* const last = stacks.back().object();
     if (last != nullptr && last->get_state() != 0)
         last->commit(vela_dt_none);
 }
 
 void VBFFileImp::on_stack_finished(VBFStackImp* stack)
 {
-    if (stacks.empty() || stacks.back().written.get() != stack)
+    if (stacks.empty() || stacks.back().object() != stack)
         throw VelaError("VBFFileImp::on_stack_finished", __FILE__,
                         __LINE__)("Invalid call to on_stack_finished()!")(-1);
     if (next_field_pos != 0)
