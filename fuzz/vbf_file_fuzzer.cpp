@@ -1,4 +1,5 @@
-// A VBF file of any bytes is opened, looked at and read, or refused by one of the exceptions that `open` and `read` name.
+// A VBF file of any bytes is opened, looked at and read, or refused by one of the exceptions that `open` and `read`
+// name.
 
 #include <VelaBase/VelaError.h>
 #include <VelaBinaryIO/VBFFile.h>
@@ -55,14 +56,12 @@ void look_at(VBFStackInterface& stack)
     read_at(stack, stack.get_dt(), 1);
 }
 
-void open_and_look(void* handle)
+bool is_accepted(VBFFileInterface& file, void* handle)
 {
-    VBFFile file;
     try
     {
-        file->attach(handle, VFile::read_mode);
-        for (std::uint64_t i = 0; i < file->number_of_stacks(); ++i)
-            look_at(*file->get_stack(i));
+        file.attach(handle, VFile::read_mode);
+        return true;
     }
     catch (const VelaError&)
     {
@@ -73,6 +72,16 @@ void open_and_look(void* handle)
     catch (const std::bad_cast&)
     {
     }
+    return false;
+}
+
+/// A file that opens gives all its stacks: nothing that their descriptions say may fail any more.
+void open_and_look(void* handle)
+{
+    VBFFile file;
+    if (is_accepted(*file.shared(), handle))
+        for (std::uint64_t i = 0; i < file->number_of_stacks(); ++i)
+            look_at(*file->get_stack(i));
     file->detach();
 }
 

@@ -57,6 +57,92 @@ TEST_F(VBFFileTest, AnOpenFileIsNotOpenedAgain)
     EXPECT_EQ(reopen()->number_of_stacks(), 1U);
 }
 
+TEST_F(VBFFileTest, AnOpenFileDoesNotLoseItsStacksToADblFile)
+{
+    const Stack stack = add({3});
+    stack->write(vela_dt_uint8, "ab", nullptr, 2);
+    put_bytes(path("other.dbl"), Bytes(136));
+    EXPECT_VELA_ERROR_IN(file->open(file_name(path("other.dbl")), VFile::read_mode), "VFile::open", "sources/file", -1,
+                         "File already open or attached!");
+    EXPECT_EQ(file->number_of_stacks(), 1U);
+    stack->write(vela_dt_uint8, "c", nullptr, 1);
+    EXPECT_EQ(samples_of(*reopen()->get_stack(0)), (Bytes{'a', 'b', 'c'}));
+    EXPECT_VELA_ERROR(file->open(file_name(path("missing.dbl")), VFile::read_mode), -1,
+                      "File already open or attached!");
+    EXPECT_EQ(file->number_of_stacks(), 1U);
+}
+
+TEST_F(VBFFileTest, WhatAFileSaidIsGoneWithTheNextOne)
+{
+    VbfBytes old;
+    old.file_header(0, "old");
+    put_bytes(path("old.vbf"), old.bytes());
+    put_bytes(path("a.dbl"), Bytes(136));
+    const auto description = [this]
+    {
+        std::string text;
+        file->get_file_desc(text);
+        return text;
+    };
+    file->close();
+    for (const char* const next : {"a.dbl", "new.vbf"})
+    {
+        file->open(file_name(path("old.vbf")), VFile::read_mode);
+        EXPECT_EQ(description(), "old");
+        file->close();
+        file->open(file_name(path(next)), next[0] == 'a' ? VFile::read_mode : VFile::write_mode);
+        EXPECT_EQ(description(), "");
+        file->close();
+    }
+    const ByteMap map(get_bytes(path("new.vbf")));
+    EXPECT_EQ(map.u32(10), 2U) << "format version";
+    EXPECT_EQ(map.u32(22), 0U) << "length of the description";
+}
+
+TEST_F(VBFFileTest, ACreatorThatWasSetBeforehandIsWritten)
+{
+    file->close();
+    file->set_creator("me");
+    file->open(file_name(path("written.vbf")), VFile::write_mode);
+    const ByteMap map = closed();
+    std::uint64_t position = map.u64(26);
+    EXPECT_EQ(map.string(position), "ome_xml");
+    EXPECT_NE(map.string(position).find("Creator=\"me\""), std::string::npos);
+}
+
+TEST_F(VBFFileTest, TheDictionaryOfAFileIsGoneWithADblFile)
+{
+    add_complete({3});
+    file->close();
+    put_bytes(path("a.dbl"), Bytes(136));
+    file->open(file_name(path("written.vbf")), VFile::read_mode);
+    file->close();
+    file->open(file_name(path("a.dbl")), VFile::read_mode);
+    file->close();
+    file->open(file_name(path("again.vbf")), VFile::write_mode);
+    file->close();
+    VBFFile fresh(file_name(path("fresh.vbf")), VFile::write_mode);
+    fresh->close();
+    EXPECT_EQ(get_bytes(path("again.vbf")), get_bytes(path("fresh.vbf")));
+}
+
+TEST_F(VBFFileTest, NullThatWasAttachedIsGivenBack)
+{
+    for (const VFile::mode mode : {VFile::read_mode, VFile::write_mode, VFile::append_mode})
+    {
+        VBFFile other;
+        if (mode == VFile::write_mode)
+            other->attach(nullptr, mode);
+        else
+            EXPECT_VELA_ERROR(other->attach(nullptr, mode), -1, "File not open!");
+        EXPECT_EQ(other->detach(), nullptr);
+        EXPECT_FALSE(other->is_open());
+        EXPECT_FALSE(other->is_attached());
+        other->open(file_name(path("other.vbf")), VFile::write_mode);
+        EXPECT_NO_THROW(other->close());
+    }
+}
+
 TEST_F(VBFFileTest, TheHandleClassOpensTheSamePathAgain)
 {
     add_complete({3});
@@ -157,6 +243,18 @@ TEST_F(AttachTest, AHandleIsGivenBackBehindTheFile)
     EXPECT_VELA_ERROR(file->close(), -1, "File not opened with open(), cannot close.");
     EXPECT_EQ(file->detach(), descriptor.handle());
     EXPECT_EQ(position(), end);
+}
+
+TEST_F(AttachTest, AHandleStaysWhereTheLastStackIsNotComplete)
+{
+    const Stack unfinished = file->add_stack(false);
+    unfinished->create({3}, vela_dt_uint8);
+    unfinished->write(vela_dt_uint8, "ab", nullptr, 2);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_VELA_ERROR(file->detach(), -1, "Not enough samples written!");
+    EXPECT_TRUE(file->is_attached());
+    unfinished->write(vela_dt_uint8, "c", nullptr, 1);
+    EXPECT_EQ(file->detach(), descriptor.handle());
 }
 
 TEST_F(AttachTest, AnUnknownModeIsRefusedAndTheHandleStays)

@@ -118,6 +118,15 @@ TEST_F(OpenDblTest, OnlyTheEndingCountsAndItsCase)
     EXPECT_VELA_ERROR(file.open(file_name(path("missing.dbl")), VFile::read_mode), -4, "Error reading .dbl file!");
 }
 
+TEST_F(OpenDblTest, APathThatTheSystemWouldCutIsRefused)
+{
+    put_bytes(path("test.dbl"), dbl_header({1, 1, 1, 1}, {1, 1, 1, 1}, 0));
+    const std::string cut = path("test.dbl") + std::string(1, '\0') + ".dbl";
+    const VPropstring two_in_one(cut, VPropstring::enc_utf8);
+    EXPECT_VELA_ERROR_IN(file.open(two_in_one, VFile::read_mode), "VFile::open", "sources/file", -1,
+                         "Could not open file!");
+}
+
 TEST_F(OpenDblTest, AFileWithThatNameIsWrittenAsAVbfFile)
 {
     file.open(name(), VFile::write_mode);
