@@ -134,7 +134,7 @@ std::string describe(const StackDetails& details)
         result += line("flush points", std::to_string(details.count_flush_points) + ", one each " +
                                            std::to_string(details.flush_block_bytes) + " bytes");
     for (const auto& [key, text] : details.tags)
-        result += line("tag", key + "=" + text);
+        result += line("tag", std::string(key).append("=").append(text));
     return result;
 }
 
