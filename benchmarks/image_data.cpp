@@ -16,11 +16,12 @@ ImageData made(const std::string& name, vela_dt dt, std::uint64_t height, Make m
 {
     ImageData data{name, dt, {512, height, 128}, {}};
     std::mt19937 random(1);
-    std::vector<Sample> samples(512 * height * 128);
-    for (Sample& sample : samples)
-        sample = make(random);
-    data.bytes.resize(samples.size() * sizeof(Sample));
-    std::memcpy(data.bytes.data(), samples.data(), data.bytes.size());
+    data.bytes.resize(512 * height * 128 * sizeof(Sample));
+    for (std::size_t at = 0; at < data.bytes.size(); at += sizeof(Sample))
+    {
+        const Sample sample = make(random);
+        std::memcpy(data.bytes.data() + at, &sample, sizeof sample);
+    }
     return data;
 }
 
