@@ -53,7 +53,7 @@ void write_tiff(const std::string& path, const ImageData& data, int level)
 
 void read_tiff(const std::string& path, const ImageData& shape, std::vector<unsigned char>& bytes)
 {
-    TIFF* const file = TIFFOpen(path.c_str(), "r");
+    TIFF* const file = TIFFOpen(path.c_str(), "rc"); // planes stay whole strips
     require(file != nullptr);
     const auto plane_bytes = static_cast<tmsize_t>(shape.plane_bytes());
     for (std::uint64_t plane = 0; plane < shape.sizes[2]; ++plane)
