@@ -3,8 +3,10 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace vela_bench {
@@ -14,8 +16,7 @@ namespace {
 struct Expectation
 {
     std::string name;
-    std::string subject;
-    std::string peer;
+    std::vector<std::pair<std::string, std::string>> pairs; ///< subject and peer
     double limit;
 };
 
@@ -25,10 +26,17 @@ std::vector<Expectation>& expectations()
     return list;
 }
 
-/// The same for counters; the peer is the name of the counter.
-std::vector<Expectation>& counter_expectations()
+struct CounterExpectation
 {
-    static std::vector<Expectation> list;
+    std::string name;
+    std::string subject;
+    std::string counter;
+    double limit;
+};
+
+std::vector<CounterExpectation>& counter_expectations()
+{
+    static std::vector<CounterExpectation> list;
     return list;
 }
 
@@ -68,6 +76,19 @@ public:
         return median_of(counters[name + ' ' + counter]);
     }
 
+    /// The geometric mean, 0 when one of the pairs was filtered out.
+    double ratio(const std::vector<std::pair<std::string, std::string>>& pairs)
+    {
+        double logarithms = 0;
+        for (const auto& [subject, peer] : pairs)
+        {
+            if (median(subject) == 0 || median(peer) == 0)
+                return 0;
+            logarithms += std::log(median(peer) / median(subject));
+        }
+        return std::exp(logarithms / static_cast<double>(pairs.size()));
+    }
+
 private:
     std::map<std::string, std::vector<double>> times;
     std::map<std::string, std::vector<double>> counters;
@@ -77,7 +98,13 @@ private:
 
 void expect_ratio(const std::string& name, const std::string& subject, const std::string& peer, double limit)
 {
-    expectations().push_back({name, subject, peer, limit});
+    expectations().push_back({name, {{subject, peer}}, limit});
+}
+
+void expect_mean_ratio(const std::string& name, const std::vector<std::pair<std::string, std::string>>& pairs,
+                       double limit)
+{
+    expectations().push_back({name, pairs, limit});
 }
 
 void expect_counter(const std::string& name, const std::string& subject, const std::string& counter, double limit)
@@ -101,16 +128,14 @@ int run(int argc, char** argv)
     std::printf("%-44s %8s %8s\n", "speed as a ratio to the peer", "ratio", "limit");
     for (const Expectation& e : expectations())
     {
-        const double subject = collector.median(e.subject);
-        const double peer = collector.median(e.peer);
-        if (subject == 0 || peer == 0)
+        const double ratio = collector.ratio(e.pairs);
+        if (ratio == 0)
             continue; // filtered out
-        const double ratio = peer / subject;
         std::printf("%-44s %8.2f %8.2f %s\n", e.name.c_str(), ratio, e.limit, ratio < e.limit ? "below" : "");
     }
-    for (const Expectation& e : counter_expectations())
+    for (const CounterExpectation& e : counter_expectations())
     {
-        const double figure = collector.median(e.subject, e.peer);
+        const double figure = collector.median(e.subject, e.counter);
         if (figure == 0)
             continue;
         std::printf("%-44s %8.2f %8.2f %s\n", e.name.c_str(), figure, e.limit, figure > e.limit ? "above" : "");

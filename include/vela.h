@@ -25,6 +25,9 @@
 #include <Ome/Plane.h>
 #include <Ome/checks.h>
 #include <Ome/enums.h>
+#include <Remote/File.h>
+#include <Remote/Stack.h>
+#include <Remote/StackObject.h>
 #include <VelaBase/VCriticalSection.h>
 #include <VelaBase/VTypemap.h>
 #include <VelaBase/VelaError.h>

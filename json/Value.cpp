@@ -1,3 +1,4 @@
+#include "json/list_keeper.h"
 #include "json/tree.h"
 
 #include <Json/Value.h>
@@ -158,6 +159,7 @@ void Value::clear() noexcept
     if (owns_memory())
         destroy_payload();
     kind_ = Kind::null;
+    list_holder_ = ListHolder::none;
 }
 
 void Value::destroy_payload() noexcept
@@ -241,6 +243,7 @@ Value::List& Value::as_list()
 {
     SourcedList& list = as_sourced_list();
     fill_to(count());
+    list_holder_ = ListHolder::caller;
     return list.elements;
 }
 
@@ -268,7 +271,7 @@ Value& Value::at(std::size_t index)
 {
     if (index >= List().max_size())
         throw std::length_error("Unsupported list index");
-    List& elements = fill_list(index < count() ? index + 1 : count());
+    List& elements = detail::ListKeeper::fill(*this, index < count() ? index + 1 : count());
     if (index >= elements.size())
         elements.resize(index + 1);
     const std::size_t from_end = elements.size() - index;
@@ -307,9 +310,9 @@ std::size_t Value::filled_count() const noexcept
 
 Value::List& Value::fill_list(std::size_t end)
 {
-    SourcedList& list = as_sourced_list();
-    fill_to(end);
-    return list.elements;
+    List& elements = detail::ListKeeper::fill(*this, end);
+    list_holder_ = ListHolder::caller;
+    return elements;
 }
 
 void Value::fill_to(std::size_t end) const

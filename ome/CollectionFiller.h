@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ome/ElementHistory.h"
+#include "json/list_keeper.h"
 
 #include <Ome/Collection.h>
 
@@ -37,6 +38,7 @@ struct CollectionFiller
     using History = detail::ElementHistory;
     using Watched = detail::WatchedHistory;
     using Notes = detail::NotedElements;
+    using Keeper = Json::detail::ListKeeper;
 
     /// A history with more rules than this gives way to the elements.
     static constexpr std::size_t most_weight = 512;
@@ -51,8 +53,9 @@ struct CollectionFiller
         collection.clear();
         Json::Value& list = collection.list();
         const Source before = source(list);
+        Keeper::keep(list);
         std::size_t index = 0;
-        for (Json::Value& element : list.fill_list(0))
+        for (Json::Value& element : Keeper::fill(list, 0))
         {
             if (index == count)
                 return;
@@ -78,17 +81,18 @@ struct CollectionFiller
         plan_rest(list, source(list), count, plan);
     }
 
-    /// Whether the list is still as the collection has left it, as far as can be seen at its ends, and has made no
-    /// element behind those of the collection.
+    /// Whether the list is still as the collection has left it, and has made no element behind those of the collection.
+    /// Where somebody has got the list as such, nobody knows.
     bool is_undisturbed() const
     {
         Json::Value& list = collection.list();
         const auto& elements = collection.elements_;
         if (!elements || elements->size() > collection.size_)
             return false;
-        if (!list.is_list() || list.filled_count() != elements->size())
+        if (!Keeper::is_kept(list) || list.filled_count() != elements->size())
             return false;
-        const auto& filled = list.fill_list(0);
+        // Another record over the tree may keep another list in this place.
+        const auto& filled = Keeper::fill(list, 0);
         if (!filled.empty() && (&filled.front() != elements->front() || &filled.back() != elements->back()))
             return false;
         const auto from = list.list_source();
@@ -144,7 +148,7 @@ struct CollectionFiller
     {
         Json::Value& list = collection.list();
         const Source found = source(list);
-        for (Json::Value& element : list.fill_list(0))
+        for (Json::Value& element : Keeper::fill(list, 0))
         {
             collection.records_.push_back(boost::make_shared<T>(element));
             note(element);
@@ -173,7 +177,7 @@ private:
             found.history = boost::dynamic_pointer_cast<const History>(from);
         if (found.history && &found.history->prototype() == &Prototype<T>::instance().element)
             return found;
-        list.as_list();
+        Keeper::fill(list, list.count());
         return {};
     }
 
@@ -205,7 +209,7 @@ private:
         const bool heavy = rest.history->weight() > most_weight;
         list.set_list_source(boost::make_shared<Watched>(std::move(rest.history), rest.tables));
         if (heavy)
-            list.as_list();
+            Keeper::fill(list, list.count());
     }
 };
 
@@ -269,7 +273,11 @@ Json::Value& Collection<T>::element(std::size_t index) const
 {
     const auto is_noted = [&] { return elements_ && index < elements_->size() && (*elements_)[index] != nullptr; };
     if (!is_noted() && elements_)
-        list().fill_list(std::max(index + 1, std::min(size_, index + index / 2))); // going to the list is not free
+    {
+        const std::size_t end =
+            std::max(index + 1, std::min(size_, index + index / 2)); // going to the list is not free
+        Json::detail::ListKeeper::fill(list(), end);
+    }
     // Where the list has been replaced since, the place counts.
     return is_noted() ? *(*elements_)[index] : list().at(index);
 }

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <stdexcept>
 
 namespace Ome {
 VELA_ABI_NAMESPACE_BEGIN
@@ -20,11 +19,6 @@ using detail::RuleHistory;
 
 /// Lengths up to this one are guessed to be in metres, longer ones in micrometres.
 constexpr double longest_in_metres = 0.01;
-
-[[noreturn]] void fail_dimension()
-{
-    throw std::invalid_argument("Unsupported physical dimension");
-}
 
 /// A size of 0, which somebody has written past the field, gives what the division gives where it is defined.
 double divide(double len, std::int64_t size)
@@ -197,7 +191,7 @@ void Image<Reference>::set_len(std::size_t d, double len)
     case Axis::z:
         return set_physical_size(len, size_z, physical_size_z, physical_size_z_unit);
     case Axis::c:
-        fail_dimension();
+        detail::fail_physical_dimension();
     case Axis::t:
         break;
     }
@@ -228,7 +222,7 @@ void Image<Reference>::set_off(std::size_t d, double off)
         return;
     }
     case Axis::c:
-        fail_dimension();
+        detail::fail_physical_dimension();
     case Axis::t:
         break;
     }

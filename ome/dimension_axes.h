@@ -49,12 +49,17 @@ private:
     std::string_view letters_;
 };
 
+[[noreturn]] inline void fail_physical_dimension()
+{
+    throw std::invalid_argument("Unsupported physical dimension");
+}
+
 /// Which axis dimension `d` is. X and Y come first in every order.
 /// @throws std::invalid_argument "Unsupported physical dimension": `d` is no dimension
 inline Axis axis_of_dimension(std::size_t d, const Json::Value& order)
 {
     if (d >= dimension_count)
-        throw std::invalid_argument("Unsupported physical dimension");
+        fail_physical_dimension();
     if (d < 2)
         return d == 0 ? Axis::x : Axis::y;
     return DimensionAxes(order).axis_of(d);

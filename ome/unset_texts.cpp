@@ -1,5 +1,7 @@
 #include "ome/unset_texts.h"
 
+#include "json/list_keeper.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -31,7 +33,7 @@ void for_each_element(Value* list, Change change)
 {
     if (list == nullptr || !list->is_list())
         return;
-    for (Value& element : list->fill_list(0))
+    for (Value& element : Json::detail::ListKeeper::fill(*list, 0))
         change(element);
 }
 

@@ -19,6 +19,7 @@ VELA_ABI_NAMESPACE_BEGIN
 
 namespace detail {
 
+struct ListKeeper;
 struct TreeCopier;
 struct TreeDestroyer;
 
@@ -222,10 +223,20 @@ private:
     SourcedList& as_sourced_list();
     void fill_to(std::size_t end) const;
 
+    friend struct detail::ListKeeper;
     friend struct detail::TreeCopier;
     friend struct detail::TreeDestroyer;
 
+    /// Who has got the list that the value holds now, to do with it what he wants.
+    enum class ListHolder : std::uint8_t
+    {
+        none,
+        keeper, ///< the library, which leaves the elements in their places
+        caller,
+    };
+
     Kind kind_;
+    ListHolder list_holder_ = ListHolder::none;
     union
     {
         bool boolean_;

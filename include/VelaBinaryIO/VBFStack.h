@@ -11,10 +11,11 @@
 
 /// A stack of a VBF file. `VBFFileInterface::add_stack` gives one to be written, `get_stack` one to be read.
 ///
-/// **Life.** A stack that is written goes through the states of `get_state`: it gets its description by one of the three
-/// `create`, is written by one or more calls of `write`, and is complete with its last sample or with `commit`. From the
-/// first `write` on its description is locked. A stack whose last size is 0 when it is created by sizes is *variable*: it
-/// takes whole steps of the other sizes until it is committed. A stack that is read is complete and locked.
+/// **Life.** A stack that is written goes through the states of `get_state`: it gets its description by one of the
+/// three `create`, is written by one or more calls of `write`, and is complete with its last sample or with `commit`.
+/// From the first `write` on its description is locked. A stack whose last size is 0 when it is created by sizes is
+/// *variable*: it takes whole steps of the other sizes until it is committed. A stack that is read is complete and
+/// locked.
 ///
 /// In addition to what `VStackInfoInterface` says, each `create` fails when there is a description already:
 /// @throws VelaError id -1 "Cannot set data layout!"
@@ -23,10 +24,10 @@
 /// tags can still be looked at; reading and writing samples fail:
 /// @throws VelaError id -1 "Cannot access VBFStack, file has been closed!"
 ///
-/// **Samples** run in the order of the axes, axis 0 fastest, each `vela_dt_get_size(get_dt())` bytes. A buffer may have any
-/// sample type: `vela_dt_convert` is called between them. Complex samples are in one buffer as pairs, with a complex type
-/// of the buffer; or in two buffers, the real parts in one and the imaginary parts in the other, with a real type for
-/// both.
+/// **Samples** run in the order of the axes, axis 0 fastest, each `vela_dt_get_size(get_dt())` bytes. A buffer may have
+/// any sample type: `vela_dt_convert` is called between them. Complex samples are in one buffer as pairs, with a
+/// complex type of the buffer; or in two buffers, the real parts in one and the imaginary parts in the other, with a
+/// real type for both.
 ///
 /// For one thread at a time, together with its file. Virtual operations keep their order: other compiled code counts on
 /// it.
@@ -45,16 +46,16 @@ public:
 
     /// Stores a typed tag as the property XML of its value, see `vela_export_xml`; the type is not stored.
     ///
-    /// `value` points to one value of the sample type `type`, which is one of: 1, 2, 4, 8, 16, 32, 64, 128, 1024, 2048, 4096,
-    /// 8192, 0x10000 (`bool`), those of 1 to 128, 4096 and 8192 with the complex bit 0x40000000 as
+    /// `value` points to one value of the sample type `type`, which is one of: 1, 2, 4, 8, 16, 32, 64, 128, 1024, 2048,
+    /// 4096, 8192, 0x10000 (`bool`), those of 1 to 128, 4096 and 8192 with the complex bit 0x40000000 as
     /// `std::complex`; or to a `VProp` with 16384. 16 and 2048 share their type. A tag that is set after the footer was
     /// written stays in memory.
     /// @throws VelaError id -1 "Tag type not supported!"
     /// @throws what `vela_export_xml` throws, such as for 1024
     virtual void set_tag(const std::string& key, int type, const void* value) = 0;
 
-    /// Stores a tag as it stands, in the place of one with the same key. On disk an empty key ends the tags for a reader:
-    /// do not use it.
+    /// Stores a tag as it stands, in the place of one with the same key. On disk an empty key ends the tags for a
+    /// reader: do not use it.
     virtual void set_tag(const std::string& key, const std::string& text) = 0;
 
     /// Reads a typed tag into the value that `value` points to; the types are those of `set_tag`. False, and
@@ -67,16 +68,17 @@ public:
     /// @throws VelaError id -1 "Tag with key '%s' not found!" on the key
     virtual std::string get_tag(const std::string& key) const = 0;
 
-    /// Writes the next `count` samples from `data`, and from `imag` where the imaginary parts have their own buffer (else
-    /// null). `type` is that of the buffers. A `count` of 0 commits; `all_samples` is all that are left, in the first call
-    /// of a stack only. The last sample completes the stack, but for a variable one.
+    /// Writes the next `count` samples from `data`, and from `imag` where the imaginary parts have their own buffer
+    /// (else null). `type` is that of the buffers. A `count` of 0 commits; `all_samples` is all that are left, in the
+    /// first call of a stack only. The last sample completes the stack, but for a variable one.
     ///
     /// The first call fixes the description, writes the headers of file and stack, and, where the type of the
     /// samples was left open, takes `type` for it, with the complex bit where there is `imag`. The progress
-    /// callback of the file is asked behind each chunk. `all_samples` in the first call of a variable stack writes nothing
-    /// and commits it.
+    /// callback of the file is asked behind each chunk. `all_samples` in the first call of a variable stack writes
+    /// nothing and commits it.
     ///
-    /// A failure leaves the stack in state 2, without a footer and outside the chain of the file. Samples of a
+    /// A failure leaves the stack in state 2, without a footer and outside the chain of the file. A compressed stack
+    /// whose samples could not all be written cannot go on: committing it is "File not open!", id -1. Samples of a
     /// chunk after which the caller cancelled are on disk, but do not count.
     ///
     /// @throws VelaError id -1 "Stack not ready to be commited. Meta-information missing!": there is no description
@@ -86,16 +88,19 @@ public:
     /// @throws VelaError id -1 "Imaginary block given but buffer is already complex!"
     /// @throws VelaError id -1 "Imaginary block given but stack is not complex!"
     /// @throws VelaError id -1 "Trying to write more samples than the stack is long!"
-    /// @throws VelaError id -1 "Not on sample boundary!": a variable stack is committed inside a step, or its step has no
-    ///         samples
+    /// @throws VelaError id -1 "Not on sample boundary!": a variable stack is committed inside a step, or its step has
+    ///         no samples
     /// @throws VelaError id -1 "Not enough samples written!": committed too early
-    /// @throws VelaError id -1 "Invalid compression type specified!": nothing is written
-    /// @throws VelaError id -1 "Size of axis %d does not fit the file format!" on the axis: 2^32 columns or more; before
-    ///         anything is written
+    /// @throws VelaError id -1 "Invalid compression type specified!": nothing of the stack is written, and it cannot be
+    ///         completed any more
+    /// @throws VelaError id -1 "Size of axis %d does not fit the file format!" on the axis: 2^32 columns or more;
+    ///         before anything is written
     /// @throws VelaError id -1 "Rank %d does not fit the file format!": more than 15 axes; before anything is written
+    /// @throws std::invalid_argument "Unsupported number of sizes": samples for a variable stack of more than five
+    ///         axes; before anything is written
     /// @throws VelaError id -1 "String too long for its 4-byte length!": a text of 2^32 bytes or more
-    /// @throws VelaError id -1 "Invalid on-the-fly conversion from '%s' to '%s'!" on the names of `type` and of the type of
-    ///         the stack; also where one of them has no size, and then before anything is written
+    /// @throws VelaError id -1 "Invalid on-the-fly conversion from '%s' to '%s'!" on the names of `type` and of the
+    ///         type of the stack; also where one of them has no size, and then before anything is written
     /// @throws VelaError id -11 "Cancelled by user!"
     /// @throws VelaError id -1 "Invalid meta information! Could not export to xml.\n%s" on what `vela_export_xml` says
     /// @throws what `VZippedSegment` and `VFile` throw
@@ -110,9 +115,9 @@ public:
     /// Reads `count` samples from `pos` on into `data`, and the imaginary parts into `imag` where it is not null.
     /// `type` is that of the buffers. `count` is cut to what is left. Returns the number of samples read.
     ///
-    /// `pos` becomes the position behind them, or `exhausted` at the end of the stack. Given as `continued` it is where the
-    /// last `read` of this object ended. The position of the file is put back. A stack without data on disk gives zeros
-    /// and leaves `pos` alone. The progress callback of the file is asked before each chunk.
+    /// `pos` becomes the position behind them, or `exhausted` at the end of the stack. Given as `continued` it is where
+    /// the last `read` of this object ended. The position of the file is put back. A stack without data on disk gives
+    /// zeros and leaves `pos` alone. The progress callback of the file is asked before each chunk.
     ///
     /// Reading on costs no seek. A jump costs reading from the last flush point on; see `set_flush_block_size`.
     ///
@@ -121,8 +126,10 @@ public:
     /// @throws VelaError id -1 "Imaginary buffer passed but buffer type is already complex!"
     /// @throws VelaError id -1 "Imaginary buffer passed but stack is not complex!"
     /// @throws VelaError id -1 "Invalid position in segment!": `pos` is not below the number of samples
-    /// @throws VelaError id -1 "Invalid on-the-fly conversion from '%s' to '%s'!" on the names of the type of the stack and
-    ///         of `type`
+    /// @throws VelaError id -1 "Invalid on-the-fly conversion from '%s' to '%s'!" on the names of the type of the stack
+    ///         and of `type`; also where that of the stack has no size
+    /// @throws VelaError id -4 "Invalid dimension_sizes in stack header!": the samples have more bytes than can be
+    ///         counted
     /// @throws VelaError id -11 "Cancelled by user!"
     /// @throws what `VZippedSegment` and `VFile` throw
     virtual std::uint64_t read(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos) = 0;
@@ -135,8 +142,8 @@ public:
     virtual void get_compression(int& type, int& level) const = 0;
 
     /// The uncompressed bytes between two flush points, at which a reader can start; 0 for none. Without this call
-    /// it is chosen: 64 to 256 KiB and whole rows where that is possible. A stack of less than 64 KiB has none, nor has a
-    /// variable one.
+    /// it is chosen: 64 to 256 KiB and whole rows where that is possible. A stack of less than 64 KiB has none, nor has
+    /// a variable one.
     /// @throws VelaError id -1 "Flush block size can only be set before starting to write!": the state is not 1
     virtual void set_flush_block_size(std::uint64_t size_bytes) = 0;
 

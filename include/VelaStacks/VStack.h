@@ -16,6 +16,7 @@ namespace Vela {
 VELA_ABI_NAMESPACE_BEGIN
 class SampleBlock;
 class SharedMemory;
+class StackFiller;
 VELA_ABI_NAMESPACE_END
 }
 
@@ -148,6 +149,14 @@ public:
     /// `rank` axes of size 0, no sample type and no samples.
     explicit VStackImp(std::uint64_t rank = 0);
 
+    /// A stack that lives elsewhere, in another process for instance: takes its description, then attaches to the segment
+    /// that `stack.share()` names. The samples are not copied, and belong to whoever has shared them: see `Vela::SharedMemory`.
+    /// Throws what the same constructor of `VStackInfoImp` throws, and what `Vela::SharedMemory` does where there is no
+    /// such segment.
+    /// @throws VelaError id -1 "Shared memory smaller than the stack!": the segment has not the bytes that the description
+    ///         asks for
+    explicit VStackImp(const Remote::Stack& stack);
+
     /// Shares the samples.
     VStackImp(const VStackImp& other);
     VStackImp& operator=(const VStackImp&) = delete;
@@ -169,6 +178,8 @@ public:
     std::uint64_t get_block_size() const;
 
 private:
+    friend class Vela::StackFiller;
+
     void resize();
 
     mutable VStackData data; ///< sharing moves the bytes and keeps their values

@@ -17,6 +17,12 @@
 
 class VStackRegion;
 
+namespace Remote {
+VELA_ABI_NAMESPACE_BEGIN
+struct Stack;
+VELA_ABI_NAMESPACE_END
+}
+
 /// What a stack is: sample type, sizes, and for each axis a length, an offset, a label, a unit, labels of its columns and
 /// their positions; for the whole stack a name, a description, units of the samples, a position in global axes, and
 /// the OME record.
@@ -28,11 +34,12 @@ class VStackRegion;
 /// **Record.** Name, description, date, sample type, order of dimensions, sizes, lengths and offsets also stand, or only
 /// stand, in the OME record `meta_data()`. A stack with samples has at most five axes, since the record has no more. While
 /// a description has no elements, lengths and offsets that are set wait: they are entered when elements come, as far as
-/// the record can express them. Such a length follows the size of its axis when that changes, so it may be set
-/// before a stack grows; a pixel size that somebody has written into the record since is overwritten then. Such an
-/// offset is entered once, for the planes and the time increment that the first elements bring: planes that come later
-/// have none. So the first growth matters. By three planes at once, all three get their positions; by one, the others
-/// get none, and one frame alone has no time increment, so an offset in time is never entered.
+/// the record can express them. Those of the channel axis, which it never can, fail at once. A length that waited follows
+/// the size of its axis when that changes, so it may be set before a stack grows; a pixel size that somebody has written
+/// into the record since is overwritten then. An offset that waited is entered once, for the planes and the time
+/// increment that the first elements bring: planes that come later have none. So the first growth matters. By three
+/// planes at once, all three get their positions; by one, the others get none, and one frame alone has no time
+/// increment, so an offset in time is never entered.
 ///
 /// **Lock.** The description of a stack that is final, on disk for instance, is locked. Then everything that changes
 /// it fails, but for `set_stack_position` and what is written through `meta_data`:
@@ -69,6 +76,10 @@ public:
     /// are those of the box, but the begin counts in pixels, not in their size, in the offset: this is wanted. Name and
     /// description are copied, units are not. Axes that the stack does not have stay as they were here.
     ///
+    /// A description that is used again keeps what it has of columns where the axis of the stack has none: its column
+    /// labels where that has no labels, its column positions where that is equidistant. They may then not be as many as
+    /// there are columns, as after a change of sizes. This is wanted; a new description has none.
+    ///
     /// The position keeps its global axes. An axis that is cut away moves the origin by the position of its slice if it
     /// is not equidistant, by its offset if it is: that ignores the slice, and this is wanted. Columns of the
     /// matrix move one after the other in the new matrix, so a permutation reads what it has written: this is wanted.
@@ -92,22 +103,23 @@ public:
     virtual void set_description(const std::string& description) = 0;
 
     /// The physical length of an axis. Lock. It is also entered into the record, see `Ome::Image::set_len`.
-    /// @throws what that throws, such as std::invalid_argument "Unsupported physical dimension": the channel axis. The length is
-    ///         set then, and the record stays as it was.
+    /// @throws what that throws, such as std::invalid_argument "Unsupported physical dimension": the channel axis, also while
+    ///         there are no elements. The length is set then, and the record stays as it was.
     virtual void set_len(std::uint64_t axis, double len) = 0;
 
     /// The lengths of all axes; what is missing stays. Lock. Entries behind the rank are entered into the record, too,
-    /// but are dropped while there are no elements.
+    /// but while there are no elements they are dropped if they are not for the channel axis.
     /// @throws as the other form; all lengths are set then, and the record up to the axis that failed
     virtual void set_len(const std::vector<double>& lens) = 0;
 
     /// The offset of an axis, which is the position of its middle. Lock. It is also entered into the record, see
     /// `Ome::Image::set_off`.
-    /// @throws what that throws, such as std::bad_cast for times that are not above 0. The offset is set then.
+    /// @throws what that throws, such as std::bad_cast for times that are not above 0, or std::invalid_argument
+    ///         "Unsupported physical dimension": the channel axis, also while there are no elements. The offset is set then.
     virtual void set_off(std::uint64_t axis, double off) = 0;
 
     /// The offsets of all axes; what is missing stays. Lock. Entries behind the rank are entered into the record,
-    /// too, but are dropped while there are no elements.
+    /// too, but while there are no elements they are dropped if they are not for the channel axis.
     /// @throws as the other form; all offsets are set then, and the record up to the axis that failed
     virtual void set_off(const std::vector<double>& offs) = 0;
 
@@ -194,8 +206,7 @@ public:
     virtual const std::string& get_meta_data_string() const = 0;
 
     /// The OME record of the stack, which lives as long as the description. Sizes, lengths and offsets that are written
-    /// here do not change the description. While the stack grows, the list of planes must not be rearranged in the tree,
-    /// but at its ends. No lock.
+    /// here do not change the description. No lock.
     virtual Ome::Image<Json::SignalingReference>& meta_data() = 0;
 
     virtual ~VStackInfoInterface();
@@ -219,6 +230,12 @@ public:
 
     /// `rank` axes of size 0, and no sample type; without axes there is one element. The order of dimensions is XYZTC.
     explicit VStackInfoImp(std::uint64_t rank = 0);
+
+    /// What the face of a stack says of it: `labels`, `type`, `sizes`, `lengths`, `offsets`, `name` and `description`, asked
+    /// for in this order. The record has of lengths and offsets, axis by axis, what it can express; its sample type and
+    /// order of dimensions are not set, and any sample type will do.
+    /// @throws what `create` throws for sizes
+    explicit VStackInfoImp(const Remote::Stack& stack);
 
     /// With a record of its own on a copy of the tree, in which dates, units and enumerations that somebody has read
     /// without their being set are not set again. The lock is copied too.
@@ -285,7 +302,8 @@ protected:
     ///
     /// Planes of the record that keep their places while it grows are laid out again only if they were looked at through
     /// `meta_data().planes` since the last time, so that a growth costs what is new. What is written past that into
-    /// the place of another plane stays; the list of planes must not be rearranged in the tree meanwhile.
+    /// the place of another plane stays. Once somebody has got the list of planes itself from the tree, by
+    /// `Json::Value::as_list`, `if_list` or `fill_list`, he may rearrange it: from then on every growth lays out all.
     /// @throws VelaError id -15 "Invalid axis specified!": a stack without axes
     /// @throws what `set_sizes` throws
     void set_variable_size(std::uint64_t size);

@@ -20,15 +20,15 @@ FieldPatch::~FieldPatch()
 
 void FieldPatch::put(std::uint64_t field_pos, std::uint64_t value)
 {
-    move_to_write(file, field_pos, sizeof value);
+    move_to_write(file, field_pos, sizeof value, function);
     file.write_value(value);
 }
 
-void move_to_write(VFile& file, std::uint64_t position, std::uint64_t size_bytes)
+void move_to_write(VFile& file, std::uint64_t position, std::uint64_t size_bytes, const char* function)
 {
     // All ones would be the end of the file.
     if (position == VFileAccess::all_ones || file.seek(position) == VFileAccess::all_ones)
-        throw VelaError("VFile::write", __FILE__, __LINE__)
+        throw VelaError(function, __FILE__, __LINE__)
             .do_oserr()("Failed writing %d bytes to file!", low_bits(size_bytes))(-3);
 }
 

@@ -11,7 +11,11 @@ namespace Vela::detail {
 class FieldPatch
 {
 public:
-    FieldPatch(VFile& in_file, std::uint64_t in_return_pos) : file(in_file), return_pos(in_return_pos) {}
+    /// Failures name `in_function`.
+    FieldPatch(VFile& in_file, std::uint64_t in_return_pos, const char* in_function)
+        : file(in_file), return_pos(in_return_pos), function(in_function)
+    {
+    }
     FieldPatch(const FieldPatch&) = delete;
     FieldPatch& operator=(const FieldPatch&) = delete;
     ~FieldPatch();
@@ -22,10 +26,12 @@ public:
 private:
     VFile& file;
     std::uint64_t return_pos;
+    const char* function;
 };
 
 /// Moves a file to where it is to be written, since bytes in the wrong place would destroy what stands there.
-/// @throws VelaError id -3 "Failed writing %d bytes to file!" on `size_bytes`: the system refuses the position
-void move_to_write(VFile& file, std::uint64_t position, std::uint64_t size_bytes);
+/// @throws VelaError id -3 "Failed writing %d bytes to file!" on `size_bytes`, in `function`: the system refuses the
+///         position
+void move_to_write(VFile& file, std::uint64_t position, std::uint64_t size_bytes, const char* function);
 
 } // namespace Vela::detail

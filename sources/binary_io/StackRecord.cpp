@@ -1,6 +1,8 @@
 #include "sources/binary_io/StackRecord.h"
 
 #include <array>
+#include <bit>
+#include <iterator>
 #include <limits>
 
 namespace Vela::detail {
@@ -28,6 +30,12 @@ UnitRecord neutral_unit()
         exponent = {0, 1};
     record.number = 1.0;
     return record;
+}
+
+bool is_neutral(const UnitRecord& unit)
+{
+    typedef std::array<unsigned char, sizeof unit> UnitBytes;
+    return std::bit_cast<UnitBytes>(unit) == std::bit_cast<UnitBytes>(neutral_unit());
 }
 
 StackFooter neutral_footer()

@@ -6,10 +6,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 class VFileAccess;
+class VStackPosition;
 
 namespace Vela::detail {
 
@@ -65,6 +67,9 @@ static_assert(offsetof(StackFooter, required_reader_version) == 1440, "on-disk o
 /// The neutral unit: the number 1.
 UnitRecord neutral_unit();
 
+/// Bit for bit.
+bool is_neutral(const UnitRecord& unit);
+
 /// What a footer that is shorter than this one leaves out: no columns, neutral units, no flush points, no tags, and all
 /// bits of the reader version set.
 StackFooter neutral_footer();
@@ -82,8 +87,8 @@ std::vector<double> offsets_of(const VBFStackHeader& header);
 /// @throws VelaError as that does
 VBFStackHeader read_fixed_header(VFileAccess& file);
 
-/// All that a file says about a stack. It is what an open file keeps of each stack, so it takes no more memory than the
-/// stack's texts and columns need; the description with its OME record is built when somebody looks.
+/// All that a file says about a stack. It is what an open file keeps of each stack, so it takes little more memory than
+/// the stack's texts and columns need; the description with its OME record is built when somebody looks.
 struct StackRecord : VBFChainEntry
 {
     std::uint64_t flush_block_size = 0;
@@ -93,8 +98,10 @@ struct StackRecord : VBFChainEntry
     std::vector<std::string> labels;                  ///< `rank` of them, or none without a footer
     std::vector<std::vector<double>> col_positions;   ///< `rank` of them, or none; an empty one is not there
     std::vector<std::vector<std::string>> col_labels; ///< likewise
-    std::string metadata;                             ///< property XML
-    std::vector<std::uint64_t> flush_positions;       ///< offsets from `data_pos`
+    std::shared_ptr<const std::string> metadata;      ///< property XML, not empty; null: none. Stacks share equal ones
+    /// Of a stack that was written here, which the text may say less exactly. Null: the text says it. Shared likewise.
+    std::shared_ptr<const VStackPosition> global_position;
+    std::vector<std::uint64_t> flush_positions; ///< offsets from `data_pos`
     VBFDictionary tags;
 };
 

@@ -11,8 +11,9 @@
 #include "sources/stacks/product.h"
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace Vela::detail {
 
@@ -21,6 +22,9 @@ namespace {
 /// Writers leave this field 0. A future one can lock out readers up to a version.
 constexpr std::uint32_t own_reader_version = 5;
 constexpr std::uint32_t any_reader = std::numeric_limits<std::uint32_t>::max();
+
+/// Bytes that even an empty label has.
+constexpr std::uint64_t label_prefix = sizeof(std::uint32_t);
 
 /// More axes with elements the OME record does not have.
 constexpr std::size_t max_record_rank = 5;
@@ -45,12 +49,6 @@ void require_own_version(std::uint32_t required)
         throw VelaError("VBFStackImp::read_info", __FILE__,
                         __LINE__)("Cannot read stack with file format reader version %d. Need >= %d!",
                                   low_bits(own_reader_version), low_bits(required))(-4);
-}
-
-bool is_neutral(const UnitRecord& unit)
-{
-    const UnitRecord neutral = neutral_unit();
-    return std::memcmp(&unit, &neutral, sizeof neutral) == 0;
 }
 
 void take_units(const StackFooter& footer, StackRecord& record)
@@ -145,30 +143,50 @@ void StackRecordReader::read_column_labels(const StackFooter& footer, StackRecor
             continue;
         record.col_labels.resize(record.header.rank);
         std::vector<std::string>& labels = record.col_labels[axis];
-        // Grows with the labels that come: how many there are says the header alone.
+        if (count > stream.bytes_left() / label_prefix)
+            fail_in_labels(count);
+        // A stream that cannot say what it has gives the labels one by one.
+        if (stream.bytes_left() != VFileAccess::all_ones)
+            labels.reserve(count);
         while (labels.size() < count)
             stream.read_str(labels.emplace_back(), VFileAccess::all_ones);
     }
+}
+
+/// The file ends in front of the last of so many labels: reads up to where it does, and keeps none.
+void StackRecordReader::fail_in_labels(std::uint64_t count)
+{
+    std::string label;
+    for (std::uint64_t i = 0; i < count; ++i)
+        stream.read_str(label, VFileAccess::all_ones);
+    throw_file_too_short(label_prefix);
 }
 
 void StackRecordReader::read_metadata(const StackFooter& footer, StackRecord& record)
 {
     if (footer.metadata_length == 0)
         return;
-    stream.read_str(record.metadata, footer.metadata_length);
+    std::string text;
+    stream.read_str(text, footer.metadata_length);
+    if (good_metadata != nullptr && text == *good_metadata)
+        record.metadata = good_metadata;
+    else
+        record.metadata = std::make_shared<const std::string>(std::move(text));
     try_metadata(record);
 }
 
 void StackRecordReader::try_metadata(const StackRecord& record)
 {
     const bool with_position = has_position(record.header);
-    const bool is_new_text = record.metadata != good_metadata;
-    if (!is_new_text && record.header.rank == good_rank && (good_position || !with_position))
+    const bool is_known = record.metadata == good_metadata;
+    if (is_known && record.header.rank == good_rank && (good_position || !with_position))
         return;
-    VStackInfoImp trial(record.header.rank);
-    import_metadata(record.metadata, with_position, trial);
-    if (is_new_text)
-        good_metadata = record.metadata;
+    if (!is_good_metadata(*record.metadata, with_position, record.header.rank))
+    {
+        VStackInfoImp stack(record.header.rank);
+        import_metadata(*record.metadata, with_position, stack); // tells what is wrong
+    }
+    good_metadata = record.metadata;
     good_rank = record.header.rank;
     good_position = with_position;
 }

@@ -4,6 +4,7 @@
 #include "sources/binary_io/StackRecord.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace Vela::detail {
@@ -27,6 +28,7 @@ private:
     StackFooter read_footer();
     void read_column_positions(const StackFooter& footer, StackRecord& record);
     void read_column_labels(const StackFooter& footer, StackRecord& record);
+    [[noreturn]] void fail_in_labels(std::uint64_t count);
     void read_metadata(const StackFooter& footer, StackRecord& record);
     void try_metadata(const StackRecord& record);
     void read_flush_positions(const StackFooter& footer, StackRecord& record);
@@ -37,7 +39,7 @@ private:
     std::uint64_t bytes_read = 0;
 
     // The metadata that was tried last, and with what: mostly all stacks of a file have the same.
-    std::string good_metadata;
+    std::shared_ptr<const std::string> good_metadata;
     std::uint32_t good_rank = 0;
     bool good_position = false;
 };

@@ -26,6 +26,7 @@ void VBFFileImp::attach(void* new_handle, VFile::mode attach_mode)
 {
     VFile::attach(new_handle, attach_mode);
     attached = true;
+    has_handle = new_handle != nullptr;
     attach_imp(attach_mode);
 }
 
@@ -35,6 +36,7 @@ void VBFFileImp::open(VPropstring path, VFile::mode open_mode)
         return;
     VFile::open(path, open_mode);
     attached = false;
+    has_handle = true;
     try
     {
         attach_imp(open_mode);
@@ -42,6 +44,7 @@ void VBFFileImp::open(VPropstring path, VFile::mode open_mode)
     catch (...)
     {
         VFile::close();
+        has_handle = false;
         throw;
     }
 }
@@ -51,21 +54,21 @@ void VBFFileImp::close()
     if (VFile::is_open())
         close_imp();
     VFile::close();
+    has_handle = false;
 }
 
 void* VBFFileImp::detach()
 {
-    if (VFile::is_open())
+    if (has_handle)
         close_imp();
-    attached = false;
+    attached = has_handle = writable = false;
     return VFile::detach();
 }
 
 void VBFFileImp::release_stacks()
 {
     for (const Entry& entry : stacks)
-        if (entry.written != nullptr)
-            entry.written->set_file(nullptr);
+        entry.lose_file();
     for (const boost::weak_ptr<VBFStackImp>& copy : handles)
         if (const boost::shared_ptr<VBFStackImp> stack = copy.lock())
             stack->set_file(nullptr);

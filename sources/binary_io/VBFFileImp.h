@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 class VBFStackImp;
@@ -19,8 +20,10 @@ class ReadAhead;
 struct StackRecord;
 }
 
-/// Where it lives: VBFFileImp.cpp (state, small operations, the handle class), VBFFileImp_open.cpp (opening and the chain),
-/// VBFFileImp_write.cpp (headers, chain and closing when writing), VBFFileImp_stacks.cpp (adding, handing out, whole stacks).
+/// Where it lives: VBFFileImp.cpp (life and state), VBFFileImp_settings.cpp (what a caller sets), VBFFileImp_open.cpp
+/// (opening and the chain), VBFFileImp_dbl.cpp (DBL files), VBFFileImp_stacks.cpp (handing out stacks),
+/// VBFFileImp_add.cpp (adding stacks), VBFFileImp_write.cpp (header, links and dictionary to disk). VBFFile.cpp has the
+/// handle class.
 class VBFFileImp : public VBFFileInterface, public VFile
 {
 public:
@@ -64,16 +67,32 @@ public:
 
 private:
     /// A stack of the chain: what the file says of it, or the object that was or is being written.
-    struct Entry
+    class Entry
     {
-        std::shared_ptr<const Vela::detail::StackRecord> record; ///< exactly one of the two is set
+    public:
+        explicit Entry(std::shared_ptr<const Vela::detail::StackRecord> in_record) : record(std::move(in_record)) {}
+        explicit Entry(boost::shared_ptr<VBFStackImp> in_written) : written(std::move(in_written)) {}
+
+        std::uint64_t end_pos() const;
+        boost::shared_ptr<VBFStackImp> copy(VBFFileImp* file) const;
+        /// Null for one that was read.
+        VBFStackImp* object() const { return written.get(); }
+        void lose_file() const;
+        /// Keeps of an object that nobody else holds only what a file would say of it. `before`: the stack in front of
+        /// it.
+        void shrink(const Entry* before);
+
+    private:
+        std::shared_ptr<const Vela::detail::StackRecord> record; ///< one of the two is set
         boost::shared_ptr<VBFStackImp> written;
     };
 
     void attach_imp(VFile::mode mode);
+    void forget_file();
     void read_file();
     VBFFileInfo read_front(Vela::detail::ReadAhead& stream);
     void read_chain(Vela::detail::ReadAhead& stream, std::uint64_t first_stack_pos);
+    void shrink_finished_stacks();
     void remember_handle(const boost::shared_ptr<VBFStackImp>& copy);
     /// -1: not a path of such a file.
     int open_bf_dbl(const VPropstring& path);
@@ -81,18 +100,22 @@ private:
     void write_file_dictionary();
     void release_stacks();
 
+    /// Of the files that are written.
+    static constexpr std::uint32_t newest_format_version = 2;
+
     std::uint64_t next_field_pos = 0; ///< of the field that gets the position of the next finished stack; 0: not known
     bool header_pending = false;
     std::int32_t default_compression_type = 0;
     std::int32_t default_compression_level = 1;
     bool writable = false;
     bool attached = false;                             ///< the handle is somebody else's
+    bool has_handle = false;                           ///< while it is open, unless null was attached
     std::vector<Entry> stacks;                         ///< in the order of the chain
     std::vector<boost::weak_ptr<VBFStackImp>> handles; ///< copies that were handed out
     vela_progress_callback progress_callback = nullptr;
     void* progress_user = nullptr;
     std::string description;
-    std::uint32_t format_version = 2;
+    std::uint32_t format_version = newest_format_version;
     Json::Value ome_document;
     Json::SignalingReference ome_reference;
     Ome::Document<Json::SignalingReference> ome_root;

@@ -4,6 +4,7 @@
 #include <VelaBase/VelaError.h>
 #include <VelaStacks/VStack.h>
 
+#include "sources/binary_io/StackRecord.h"
 #include "sources/binary_io/VBFStackImp.h"
 #include "sources/stacks/block_size.h"
 
@@ -11,6 +12,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -31,13 +35,31 @@ boost::shared_ptr<VBFStackInterface> VBFFileImp::add_stack(bool empty)
     if (!VFile::is_open() || !writable)
         throw VelaError("VBFFileImp::add_stack", __FILE__, __LINE__)("File not open for writing!")(-1);
     finish();
+    shrink_finished_stacks();
     const auto stack = boost::make_shared<VBFStackImp>(this);
     stack->set_compression(default_compression_type, default_compression_level);
     stack->set_empty(empty);
-    Entry entry;
-    entry.written = stack;
-    stacks.push_back(entry);
+    stacks.emplace_back(stack);
     return stack;
+}
+
+/// A caller may hold the last stack until the new one takes its place, so the one before it is tried again.
+void VBFFileImp::shrink_finished_stacks()
+{
+    for (std::size_t back = std::min<std::size_t>(stacks.size(), 2); back > 0; --back)
+    {
+        const std::size_t index = stacks.size() - back;
+        stacks[index].shrink(index > 0 ? &stacks[index - 1] : nullptr);
+    }
+}
+
+void VBFFileImp::Entry::shrink(const Entry* before)
+{
+    if (written == nullptr || written.use_count() != 1 || !written->fits_record())
+        return;
+    const Vela::detail::StackRecord* const like = before != nullptr ? before->record.get() : nullptr;
+    record = std::make_shared<const Vela::detail::StackRecord>(written->to_record(like));
+    written.reset();
 }
 
 void VBFFileImp::write_stack(VStackInterface* stack, int flags)

@@ -4,10 +4,12 @@
 
 #include "sources/binary_io/VBFFileImp.h"
 #include "sources/binary_io/VBFStackImp.h"
+#include "sources/file/file_errors.h"
 
 #include <boost/make_shared.hpp>
+#include <cstdint>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -16,9 +18,12 @@ constexpr std::uint64_t header_size = 128;
 constexpr std::uintptr_t header_only = 0xA0;
 constexpr int is_double = 1;
 
-bool has_ending(const std::string& path)
+/// Whether this names a DBL file. A path that the system cannot take as it stands is left to `VFile::open`, which
+/// refuses it.
+bool is_path_of_dbl(const VPropstring& path, const std::string& narrow)
 {
-    return std::string_view(path).ends_with(".dbl");
+    return narrow.ends_with(".dbl") && narrow.find('\0') == std::string::npos &&
+           VPropstring(narrow, VPropstring::enc_utf8) == path;
 }
 
 } // namespace
@@ -26,9 +31,11 @@ bool has_ending(const std::string& path)
 int VBFFileImp::open_bf_dbl(const VPropstring& path)
 {
     const std::string narrow = path.to(VPropstring::enc_utf8);
-    if (!has_ending(narrow))
+    if (!is_path_of_dbl(path, narrow))
         return -1;
-    release_stacks();
+    if (VFile::is_open())
+        Vela::detail::throw_already_open("VFile::open");
+    forget_file();
     int dims[max_rank] = {};
     float lengths[max_rank] = {};
     void* what = reinterpret_cast<void*>(header_only);
@@ -50,7 +57,8 @@ int VBFFileImp::open_bf_dbl(const VPropstring& path)
     const auto stack = boost::make_shared<VBFStackImp>(this);
     stack->set_plain_data(stack_sizes, stack_lengths, dt, header_size, data_length);
     VFile::open(path, VFile::read_mode);
-    attached = writable = header_pending = false;
-    stacks.push_back({nullptr, stack});
+    has_handle = true;
+    attached = false;
+    stacks.emplace_back(stack);
     return 0;
 }

@@ -7,8 +7,12 @@
 #include "sources/binary_io/file_format.h"
 #include "sources/file/ReadAhead.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 using Vela::detail::ReadAhead;
 using Vela::detail::StackRecord;
@@ -47,16 +51,12 @@ std::shared_ptr<const StackRecord> read_record(ReadAhead& stream, StackRecordRea
 
 void VBFFileImp::attach_imp(VFile::mode attach_mode)
 {
-    release_stacks();
-    writable = false;
-    dictionary.clear();
-    meta_data_pos = meta_end_pos = meta_field_pos = 0;
+    forget_file();
     switch (attach_mode)
     {
     case VFile::read_mode:
         return read_file();
     case VFile::write_mode:
-        next_field_pos = 0;
         writable = true;
         header_pending = true;
         return;
@@ -69,10 +69,22 @@ void VBFFileImp::attach_imp(VFile::mode attach_mode)
     throw VelaError("VBFFileImp::attach_imp", __FILE__, __LINE__)("Invalid opening mode!")(-15);
 }
 
+/// The state of an object that has had no file yet, but for what callers set beforehand.
+void VBFFileImp::forget_file()
+{
+    release_stacks();
+    next_field_pos = 0;
+    header_pending = writable = false;
+    description.clear();
+    format_version = newest_format_version;
+    dictionary.clear();
+    meta_data_pos = meta_end_pos = meta_field_pos = 0;
+}
+
 void VBFFileImp::read_file()
 {
     const std::uint64_t start = VFile::tell();
-    next_field_pos = start + Vela::detail::first_stack_field;
+    next_field_pos = start + offsetof(VBFFileHeader, first_stack_pos);
     ReadAhead stream(*this);
     VBFFileInfo info;
     read_or_return_to(start, *this, [&] { info = read_front(stream); });
@@ -109,9 +121,10 @@ void VBFFileImp::read_chain(ReadAhead& stream, std::uint64_t first_stack_pos)
     {
         if (!visited.insert(pos).second)
             throw_invalid_position(__LINE__);
-        chain.push_back({read_record(stream, reader, pos), nullptr});
-        field_pos = pos + Vela::detail::next_stack_field;
-        pos = chain.back().record->header.next_stack_pos;
+        const std::shared_ptr<const StackRecord> record = read_record(stream, reader, pos);
+        chain.emplace_back(record);
+        field_pos = pos + offsetof(VBFStackHeader, next_stack_pos);
+        pos = record->header.next_stack_pos;
     }
     stacks = std::move(chain);
     next_field_pos = field_pos;

@@ -6,19 +6,36 @@
 #include "sources/binary_io/VBFFileImp.h"
 #include "sources/binary_io/VBFStackImp.h"
 #include "sources/file/file_errors.h"
+#include "sources/stacks/StackFiller.h"
 
-#include <algorithm>
 #include <boost/make_shared.hpp>
+
+#include <cstdint>
+#include <vector>
+
+std::uint64_t VBFFileImp::Entry::end_pos() const
+{
+    return written != nullptr ? written->get_stack_end_pos() : record->stack_end_pos;
+}
+
+boost::shared_ptr<VBFStackImp> VBFFileImp::Entry::copy(VBFFileImp* file) const
+{
+    return written != nullptr ? boost::make_shared<VBFStackImp>(*written)
+                              : boost::make_shared<VBFStackImp>(file, *record);
+}
+
+void VBFFileImp::Entry::lose_file() const
+{
+    if (written != nullptr)
+        written->set_file(nullptr);
+}
 
 boost::shared_ptr<VBFStackInterface> VBFFileImp::get_stack(std::uint64_t index)
 {
     if (index >= stacks.size())
         throw VelaError("VBFFileImp::get_stack", __FILE__, __LINE__)("Invalid stack index %d!",
                                                                      Vela::detail::low_bits(index))(-4);
-    const Entry& entry = stacks[index];
-    const boost::shared_ptr<VBFStackImp> copy = entry.written != nullptr
-                                                    ? boost::make_shared<VBFStackImp>(*entry.written)
-                                                    : boost::make_shared<VBFStackImp>(this, *entry.record);
+    const boost::shared_ptr<VBFStackImp> copy = stacks[index].copy(this);
     remember_handle(copy);
     return copy;
 }
@@ -38,8 +55,8 @@ boost::shared_ptr<VStackInterface> VBFFileImp::read_stack(std::uint64_t index, i
 {
     const boost::shared_ptr<VBFStackInterface> stored = get_stack(index);
     const auto stack = boost::make_shared<VStackImp>();
-    stack->create(stored.get(), flags);
-    stored->read(stack->get_dt(), stack->get_data_ptr(), nullptr);
+    Vela::StackFiller::create(*stack, stored.get(), flags,
+                              [&] { stored->read(stack->get_dt(), stack->get_data_ptr(), nullptr); });
     return stack;
 }
 
@@ -50,9 +67,7 @@ std::uint64_t VBFFileImp::seek_to_end_of_stack(std::uint64_t index)
                         __LINE__)("File must be open in read mode to allow seeking to end of file!")(-1);
     if (index >= stacks.size())
         throw VelaError("VBFFileImp::seek_to_end_of_stack", __FILE__, __LINE__)("Invalid stack number!")(-1);
-    const Entry& entry = stacks[index];
-    const std::uint64_t end =
-        entry.record != nullptr ? entry.record->stack_end_pos : entry.written->get_stack_end_pos();
+    const std::uint64_t end = stacks[index].end_pos();
     VFile::seek(end);
     return end;
 }

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <locale>
 #include <sstream>
 
@@ -20,8 +21,8 @@ namespace {
 /// Under which the OME document stands in the dictionary.
 constexpr const char* ome_key = "ome_xml";
 
-/// Writes what `compose` gives to a stream, in as few transfers as possible, and gives the position behind it. After a failure
-/// the file stands where it stood before, so that the same can be tried again.
+/// Writes what `compose` gives to a stream, in as few transfers as possible, and gives the position behind it. After a
+/// failure the file stands where it stood before, so that the same can be tried again.
 template <class Compose>
 std::uint64_t write_at_once(VFile& file, Compose compose)
 {
@@ -73,18 +74,19 @@ void VBFFileImp::finish()
     write_file_header();
     if (stacks.empty())
         return;
-    VBFStackImp* const last = stacks.back().written.get();
+    VBFStackImp* const last = stacks.back().object();
     if (last != nullptr && last->get_state() != 0)
         last->commit(vela_dt_none);
 }
 
 void VBFFileImp::on_stack_finished(VBFStackImp* stack)
 {
-    if (stacks.empty() || stacks.back().written.get() != stack)
+    if (stacks.empty() || stacks.back().object() != stack)
         throw VelaError("VBFFileImp::on_stack_finished", __FILE__,
                         __LINE__)("Invalid call to on_stack_finished()!")(-1);
     if (next_field_pos != 0)
-        Vela::detail::FieldPatch(*this, tell()).put(next_field_pos, stack->get_header_pos());
+        Vela::detail::FieldPatch(*this, tell(), "VBFFileImp::on_stack_finished")
+            .put(next_field_pos, stack->get_header_pos());
     next_field_pos = stack->get_header_pos() + offsetof(VBFStackHeader, next_stack_pos);
 }
 
@@ -103,8 +105,8 @@ void VBFFileImp::close_imp()
     release_stacks();
 }
 
-/// The dictionary first and then the field that leads to it. In a file that was opened to append to, that field is not known,
-/// and what is overwritten is the start of the file: see `VBFFileInterface::open`.
+/// The dictionary first and then the field that leads to it. In a file that was opened to append to, that field is not
+/// known, and what is overwritten is the start of the file: see `VBFFileInterface::open`.
 void VBFFileImp::write_file_dictionary()
 {
     std::ostringstream document;
@@ -115,5 +117,5 @@ void VBFFileImp::write_file_dictionary()
     const std::uint64_t start = tell();
     meta_end_pos = write_at_once(*this, [&](VFileAccess& stream) { write_dictionary(stream, dictionary); });
     meta_data_pos = start;
-    Vela::detail::FieldPatch(*this, meta_end_pos).put(meta_field_pos, meta_data_pos);
+    Vela::detail::FieldPatch(*this, meta_end_pos, "VBFFileImp::close_imp").put(meta_field_pos, meta_data_pos);
 }

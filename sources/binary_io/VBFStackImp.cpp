@@ -11,9 +11,9 @@ VBFStackImp::VBFStackImp(VBFFileImp* in_file) : file(in_file) {}
 VBFStackImp::VBFStackImp(const VBFStackImp& other)
     : VStackInfoInterface(other), VBFStackInterface(other), VStackInfoImp(other), tags(other.tags), file(other.file),
       empty(other.empty), compression_type(other.compression_type), compression_level(other.compression_level),
-      state(other.state), footer_written(other.footer_written), data_pos(other.data_pos),
-      data_length(other.data_length), header_pos(other.header_pos), stack_end_pos(other.stack_end_pos),
-      samples_per_step(other.samples_per_step), samples_left(other.samples_left),
+      state(other.state), footer_written(other.footer_written), has_own_ome_record(other.has_own_ome_record),
+      data_pos(other.data_pos), data_length(other.data_length), header_pos(other.header_pos),
+      stack_end_pos(other.stack_end_pos), samples_per_step(other.samples_per_step), samples_left(other.samples_left),
       samples_written(other.samples_written), read_pos(other.read_pos), variable(other.variable),
       flush_block_size(other.flush_block_size), flush_positions(other.flush_positions)
 {
@@ -48,8 +48,8 @@ void VBFStackImp::create(const VStackInfoInterface* info, const VStackRegion& re
     create_fixed([&] { VStackInfoImp::create(info, region); });
 }
 
-/// `create_base` comes by the form on sizes, which takes a last size of 0 for that of a stack that grows. What fails behind
-/// it leaves no description.
+/// `create_base` comes by the form on sizes, which takes a last size of 0 for that of a stack that grows. What fails
+/// behind it leaves no description.
 template <class CreateBase>
 void VBFStackImp::create_fixed(CreateBase create_base)
 {

@@ -16,21 +16,28 @@ namespace Vela::detail {
 struct StackRecord;
 }
 
-/// Where it lives: VBFStackImp.cpp (making, tags' keys and texts, compression), VBFStackImp_tags.cpp (typed tags),
-/// VBFStackImp_record.cpp (from a record), VBFStackImp_read.cpp, VBFStackImp_write.cpp, VBFStackImp_footer.cpp (header
-/// and footer to disk), flush_block.cpp (the choice of the flush block).
+/// Where it lives: VBFStackImp.cpp (making, compression), VBFStackImp_tags.cpp (tags),
+/// VBFStackImp_record.cpp (from a record), VBFStackImp_keep.cpp (to one), VBFStackImp_read.cpp, VBFStackImp_write.cpp,
+/// VBFStackImp_footer.cpp (header and footer to disk), flush_block.cpp (the choice of the flush block).
 class VBFStackImp : public VBFStackInterface, public VStackInfoImp
 {
 public:
     /// A stack to be written.
     explicit VBFStackImp(VBFFileImp* in_file);
     /// A stack of a file: locked and complete.
-    /// @throws what `read_info` would have thrown for a description that a stack cannot have
+    /// @throws what `StackRecordReader::read` throws for a description that a stack cannot have
     VBFStackImp(VBFFileImp* in_file, const Vela::detail::StackRecord& record);
-    /// A stack of its own on the same file. The segment of `other` must not have been started to write; that of the copy
-    /// is started by its first `read`.
+    /// A stack of its own on the same file. The segment of `other` must not have been started to write; that of the
+    /// copy is started by its first `read`.
     VBFStackImp(const VBFStackImp& other);
     VBFStackImp& operator=(const VBFStackImp&) = delete;
+
+    void set_acquisition_date() override;
+    void set_len(const std::vector<double>& lens) override;
+    void set_off(const std::vector<double>& offs) override;
+    Ome::Image<Json::SignalingReference>& meta_data() override;
+    using VStackInfoImp::set_len;
+    using VStackInfoImp::set_off;
 
     void create(const std::vector<std::uint64_t>& sizes, vela_dt dt) override;
     void create(const VStackInfoInterface* info, vela_dt dt) override;
@@ -59,6 +66,10 @@ public:
     void set_plain_data(const std::vector<std::uint64_t>& in_sizes, const std::vector<double>& in_lengths,
                         vela_dt in_dt, std::uint64_t in_data_pos, std::uint64_t in_data_length);
     std::uint64_t get_header_pos() const { return header_pos; }
+    /// Whether a stack made from `to_record()` is the same for everybody who looks at it.
+    bool fits_record() const;
+    /// `like`, where not null, is the record of another stack, with which what is equal is shared.
+    Vela::detail::StackRecord to_record(const Vela::detail::StackRecord* like) const;
     /// 0 in a stack that was written here.
     std::uint64_t get_stack_end_pos() const { return stack_end_pos; }
     /// @}
@@ -71,7 +82,7 @@ private:
     void create_fixed(CreateBase create_base);
     void describe(const Vela::detail::StackRecord& record);
     std::uint64_t read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos);
-    void require_readable(std::uint64_t pos) const;
+    void require_readable(std::uint64_t first) const;
     void require_imaginary_parts(vela_dt type) const;
     void start_reading(vela_dt type);
     void read_chunk(std::uint64_t count, const ReadTarget& target);
@@ -107,6 +118,7 @@ private:
     std::int32_t compression_level = 1;
     std::int32_t state = -1;
     bool footer_written = false;
+    bool has_own_ome_record = false; ///< somebody may have put more into it than the description says
     std::uint64_t data_pos = 0;
     std::uint64_t data_length = 0; ///< bytes on disk
     std::uint64_t header_pos = 0;

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 
 using Vela::detail::StackFooter;
@@ -22,15 +23,18 @@ namespace {
 
 constexpr std::uint32_t most_columns = std::numeric_limits<std::uint32_t>::max();
 
+constexpr const char* in_header = "VBFStackImp::write_header";
+constexpr const char* in_footer = "VBFStackImp::write_footer";
+
 VelaError header_error(int line)
 {
-    return VelaError("VBFStackImp::write_header", __FILE__, line);
+    return VelaError(in_header, __FILE__, line);
 }
 
-std::uint32_t length_of(const std::string& text)
+std::uint32_t length_of(const std::string& text, const char* function)
 {
     if (text.size() > std::numeric_limits<std::uint32_t>::max())
-        throw header_error(__LINE__)("String too long for its 4-byte length!")(-1);
+        throw VelaError(function, __FILE__, __LINE__)("String too long for its 4-byte length!")(-1);
     return static_cast<std::uint32_t>(text.size());
 }
 
@@ -82,8 +86,8 @@ void VBFStackImp::write_header()
     std::copy(std::begin(Vela::detail::stack_magic), std::end(Vela::detail::stack_magic), header.magic);
     header.format_version = Vela::detail::stack_format_version;
     header.data_present = empty ? 0 : 1;
-    header.name_length = length_of(get_name());
-    header.description_length = length_of(get_description());
+    header.name_length = length_of(get_name(), in_header);
+    header.description_length = length_of(get_description(), in_header);
 
     Vela::detail::WriteBehind stream(*file);
     stream.write_value(header);
@@ -105,7 +109,7 @@ void VBFStackImp::write_footer()
         footer.dimension_units[axis] = Vela::detail::to_record(stored_units(axis));
     }
     footer.data_units = Vela::detail::to_record(get_data_units());
-    footer.metadata_length = length_of(meta_data_string);
+    footer.metadata_length = length_of(meta_data_string, in_footer);
     footer.flush_point_count = flush_positions.size();
     footer.flush_block_size = flush_block_size;
     footer.tag_dictionary_length = dictionary_length(tags);
@@ -113,7 +117,7 @@ void VBFStackImp::write_footer()
 
     // Not where the file stands: behind the last chunk may be one that the caller cancelled.
     const std::uint64_t footer_pos = data_pos + data_length;
-    Vela::detail::move_to_write(*file, footer_pos, sizeof footer);
+    Vela::detail::move_to_write(*file, footer_pos, sizeof footer, in_footer);
     Vela::detail::WriteBehind stream(*file);
     stream.write_value(footer);
     write_behind_footer(stream);
@@ -135,8 +139,8 @@ void VBFStackImp::compose_metadata()
     }
     catch (const VelaError& error)
     {
-        throw VelaError("VBFStackImp::write_footer", __FILE__,
-                        __LINE__)("Invalid meta information! Could not export to xml.\n%s", error.what())(-1);
+        throw VelaError(in_footer, __FILE__, __LINE__)("Invalid meta information! Could not export to xml.\n%s",
+                                                       error.what())(-1);
     }
 }
 
@@ -160,13 +164,13 @@ void VBFStackImp::write_behind_footer(VFileAccess& stream) const
 /// What is known only now that the record is complete.
 void VBFStackImp::patch_record(std::uint64_t footer_pos, std::uint64_t end_pos) const
 {
-    Vela::detail::FieldPatch patch(*file, end_pos);
+    Vela::detail::FieldPatch patch(*file, end_pos, in_footer);
     patch.put(footer_pos + offsetof(StackFooter, stack_end_pos), end_pos);
     patch.put(header_pos + offsetof(VBFStackHeader, data_length_on_disk), data_length);
     if (!variable)
         return;
-    // 8 bytes in a field of 4: the zeros behind fall on the size of the next axis and, with 15 axes, on half of the first
-    // length. This is part of the format.
+    // 8 bytes in a field of 4: the zeros behind fall on the size of the next axis and, with 15 axes, on half of the
+    // first length. This is part of the format.
     const std::uint64_t last_axis = get_rank() - 1;
     const std::uint64_t field = offsetof(VBFStackHeader, dimension_sizes) + sizeof(std::uint32_t) * last_axis;
     patch.put(header_pos + field, get_dimension_size(last_axis));

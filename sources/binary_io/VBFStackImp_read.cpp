@@ -95,16 +95,15 @@ std::uint64_t VBFStackImp::read(int type, void* data, void* imag, std::uint64_t 
 
 std::uint64_t VBFStackImp::read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos)
 {
-    if (pos == continued)
-        pos = read_pos;
-    require_readable(pos);
+    const std::uint64_t first = pos == continued ? read_pos : pos;
+    require_readable(first);
     VBFFileImp& owner = *file;
     const PositionGuard guard(owner);
     if (imag != nullptr)
         require_imaginary_parts(type);
-    if (pos > get_number_of_elements())
+    if (first > get_number_of_elements())
         throw_read_error(__LINE__, "Invalid position in segment!");
-    const std::uint64_t left = get_number_of_elements() - pos;
+    const std::uint64_t left = get_number_of_elements() - first;
     const bool to_end = count >= left;
     count = std::min(count, left);
     ReadTarget target{type, static_cast<unsigned char*>(data), static_cast<unsigned char*>(imag)};
@@ -116,7 +115,7 @@ std::uint64_t VBFStackImp::read_imp(int type, void* data, void* imag, std::uint6
 
     start_reading(type);
     const std::uint64_t sample_size = size_of_sample(get_dt());
-    segment.seek(pos * sample_size);
+    segment.seek(first * sample_size);
     const std::uint64_t chunk = std::max<std::uint64_t>(owner.get_chunk_size() / sample_size, 1);
     for (std::uint64_t samples_to_read = count; samples_to_read > 0;)
     {
@@ -128,16 +127,16 @@ std::uint64_t VBFStackImp::read_imp(int type, void* data, void* imag, std::uint6
         samples_to_read -= n;
     }
 
-    pos = to_end ? exhausted : pos + count;
+    pos = to_end ? exhausted : first + count;
     if (to_end)
         segment.end();
     read_pos = pos;
     return count;
 }
 
-void VBFStackImp::require_readable(std::uint64_t pos) const
+void VBFStackImp::require_readable(std::uint64_t first) const
 {
-    if (pos == exhausted)
+    if (first == exhausted)
         throw_read_error(__LINE__, "Invalid position (-1) passed. Possible reason: Last read call exhausted data.");
     if (file == nullptr)
         throw_read_error(__LINE__, "Cannot access VBFStack, file has been closed!");

@@ -29,9 +29,13 @@ void VBFStackImp::describe(const Vela::detail::StackRecord& record)
         set_col_positions(axis, record.col_positions[axis]);
     for (std::size_t axis = 0; axis < record.col_labels.size(); ++axis)
         set_col_labels(axis, record.col_labels[axis]);
-    meta_data_string = record.metadata;
-    if (!record.metadata.empty())
-        Vela::detail::import_metadata(record.metadata, Vela::detail::has_position(record.header), *this);
+    if (record.metadata == nullptr)
+        return;
+    meta_data_string = *record.metadata;
+    if (record.global_position != nullptr)
+        set_stack_position(*record.global_position);
+    else
+        Vela::detail::import_metadata(meta_data_string, Vela::detail::has_position(record.header), *this);
 }
 
 void VBFStackImp::set_plain_data(const std::vector<std::uint64_t>& in_sizes, const std::vector<double>& in_lengths,

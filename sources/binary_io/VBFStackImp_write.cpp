@@ -118,6 +118,9 @@ void VBFStackImp::require_steps(std::uint64_t count) const
 {
     if (samples_per_step == 0)
         throw_write(__LINE__, "Not on sample boundary!");
+    // The record of such a stack refuses to grow, and no reader takes it.
+    if (get_rank() > most_axes_with_samples)
+        throw std::invalid_argument("Unsupported number of sizes");
     const std::uint64_t countable = std::numeric_limits<std::uint64_t>::max() - samples_written;
     if (count > countable || (samples_written + count) / samples_per_step > most_columns)
         throw VelaError("VBFStackImp::write", __FILE__, __LINE__)("Size of axis %d does not fit the file format!",
@@ -172,9 +175,6 @@ void VBFStackImp::start_record()
 
 void VBFStackImp::write_samples(int type, const void* data, const void* imag, std::uint64_t count)
 {
-    // The record of such a stack refuses to grow, and no reader takes it: better before there are samples.
-    if (variable && get_rank() > most_axes_with_samples)
-        throw std::invalid_argument("Unsupported number of sizes");
     const std::uint64_t sample_size = size_of(get_dt());
     const std::uint64_t buffer_sample_size = size_of(type);
     const std::uint64_t chunk = std::max<std::uint64_t>(file->get_chunk_size() / sample_size, 1);
@@ -221,7 +221,8 @@ const unsigned char* VBFStackImp::in_stack_type(int type, const unsigned char* d
     return scratch.data();
 }
 
-/// A compressed stream that has lost bytes cannot be continued: it is ended, and whatever else wants to write to it fails.
+/// A compressed stream that has lost bytes cannot be continued: it is ended, and whatever else wants to write to it
+/// fails.
 void VBFStackImp::to_segment(const void* data, std::uint64_t size_bytes)
 {
     try

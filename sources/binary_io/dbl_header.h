@@ -42,8 +42,8 @@ struct DblHeader
 DblHeaderBytes encode_dbl_header(const DblHeader& header);
 DblHeader decode_dbl_header(const DblHeaderBytes& bytes);
 
-/// The number of samples that dimensions stand for: their product as signed 32 bits count it. Below 0 where no block can
-/// have it.
+/// The number of samples that dimensions stand for: their product as signed 32 bits count it. Below 0 where no block
+/// can have it.
 std::int32_t count_dbl_samples(const int* dims);
 
 } // namespace Vela::detail

@@ -6,8 +6,9 @@
 #include <VelaStacks/VStackInfo.h>
 #include <VelaStacks/VStackPosition.h>
 
+#include "sources/stacks/position_fits.h"
+
 #include <cstdint>
-#include <utility>
 
 namespace {
 
@@ -16,10 +17,16 @@ constexpr std::uint32_t first_version_with_position = 3;
 
 constexpr int any_format = 0;
 
-VStackPosition position_in(const VProp& tree, const VStackInfoInterface& info)
+VProp tree_of(const std::string& text)
+{
+    VProp tree;
+    vela_import_xml(text, tree, any_format);
+    return tree;
+}
+
+VStackPosition position_in(const VProp& tree)
 {
     VStackPosition position;
-    position.create(&info, 0);
     position.labels = tree["global_pos.axes"].get<VProparray<VPropstring>>();
     position.origin = tree["global_pos.offset"].get<VProparray<double>>();
     position.matrix = tree["global_pos.projection"].get<VProparray<double>>();
@@ -33,14 +40,26 @@ bool Vela::detail::has_position(const VBFStackHeader& header)
     return header.format_version >= first_version_with_position;
 }
 
+bool Vela::detail::is_good_metadata(const std::string& text, bool with_position, std::uint64_t rank)
+{
+    try
+    {
+        const VProp tree = tree_of(text);
+        return !with_position || position_fits(position_in(tree), rank);
+    }
+    catch (const VelaError&)
+    {
+        return false;
+    }
+}
+
 void Vela::detail::import_metadata(const std::string& text, bool with_position, VStackInfoInterface& info)
 {
     try
     {
-        VProp tree;
-        vela_import_xml(text, tree, any_format);
+        const VProp tree = tree_of(text);
         if (with_position)
-            info.set_stack_position(position_in(std::as_const(tree), info));
+            info.set_stack_position(position_in(tree));
     }
     catch (const VelaError& error)
     {

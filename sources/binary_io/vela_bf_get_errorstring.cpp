@@ -1,10 +1,9 @@
 #include <VelaBinaryIO/VBFFile.h>
 
-#include <VelaBase/VelaError.h>
+#include "sources/error/last_error.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <cstring>
-#include <string>
 
 namespace {
 
@@ -33,25 +32,36 @@ const char* text_of(int id)
     }
 }
 
-std::string report_of(int id)
+constexpr std::size_t buffer_size = 2048;
+
+/// Puts `text` behind the `length` characters of `buffer`, as far as there is room, and gives the new length.
+std::size_t append(char* buffer, std::size_t length, const char* text)
 {
-    std::string tail;
-    if (id < 0)
-    {
-        tail = std::string("\n") + vela_get_last_error_string();
-        id = vela_get_last_error();
-    }
-    return id == 0 ? std::string() : std::string("Error in vbf module: ") + text_of(id) + tail;
+    const std::size_t count = strnlen(text, buffer_size - 1 - length);
+    std::memcpy(buffer + length, text, count);
+    return length + count;
 }
 
 } // namespace
 
+/// Takes no memory: no exception may leave through a C function.
 const char* vela_bf_get_errorstring(int id)
 {
-    static char buffer[2048];
-    const std::string report = report_of(id);
-    const std::size_t length = std::min(report.size(), sizeof buffer - 1);
-    std::memcpy(buffer, report.data(), length);
+    static char buffer[buffer_size];
+    char report[buffer_size];
+    std::size_t report_length = 0;
+    const bool is_last = id < 0;
+    if (is_last)
+        id = Vela::detail::copy_last_error(report, buffer_size - 1, report_length);
+    report[report_length] = '\0';
+    std::size_t length = 0;
+    if (id != 0)
+    {
+        length = append(buffer, length, "Error in vbf module: ");
+        length = append(buffer, length, text_of(id));
+        length = append(buffer, length, is_last ? "\n" : "");
+        length = append(buffer, length, report);
+    }
     buffer[length] = '\0';
     return buffer;
 }

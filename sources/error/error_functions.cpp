@@ -4,7 +4,9 @@
 #include "sources/error/last_error.h"
 #include "sources/platform/platform.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <mutex>
 #include <new>
 #include <string>
@@ -69,6 +71,14 @@ void Vela::detail::set_last_error(int id, std::string&& report) noexcept
     const std::lock_guard lock(last_error_mutex);
     last_error_id = id;
     last_error_string().swap(report);
+}
+
+int Vela::detail::copy_last_error(char* text, std::size_t room, std::size_t& length)
+{
+    const std::lock_guard lock(last_error_mutex);
+    length = strnlen(last_error_string().c_str(), room);
+    std::memcpy(text, last_error_string().c_str(), length);
+    return last_error_id;
 }
 
 const char* Vela::detail::keep_for_thread(const std::string& report)

@@ -18,11 +18,6 @@ constexpr VFile::mode closed = static_cast<VFile::mode>(-1);
     throw VelaError(function, __FILE__, line)("File not open!")(-1);
 }
 
-[[noreturn]] void throw_already_open(const char* function, int line)
-{
-    throw VelaError(function, __FILE__, line)("File already open or attached!")(-1);
-}
-
 /// The path in UTF-8. Empty, which names no file, where it has no such form: what is left of the text after the
 /// conversion dropped characters could name another file.
 std::string system_path(const VPropstring& path)
@@ -34,6 +29,11 @@ std::string system_path(const VPropstring& path)
 }
 
 } // namespace
+
+void Vela::detail::throw_already_open(const char* function)
+{
+    throw VelaError(function, __FILE__, __LINE__)("File already open or attached!")(-1);
+}
 
 void Vela::detail::throw_read_failure(std::uint64_t size_bytes)
 {
@@ -63,7 +63,7 @@ VFile::~VFile()
 void VFile::open(const VPropstring& path, mode open_mode)
 {
     if (handle != nullptr)
-        throw_already_open("VFile::open", __LINE__);
+        Vela::detail::throw_already_open("VFile::open");
     if (open_mode != read_mode && open_mode != write_mode && open_mode != append_mode)
         throw VelaError("VFile::open", __FILE__, __LINE__)("Invalid file mode when opening file.")(-1);
 
@@ -92,7 +92,7 @@ void VFile::close()
 void VFile::attach(void*& new_handle, mode attach_mode)
 {
     if (handle != nullptr)
-        throw_already_open("VFile::attach", __LINE__);
+        Vela::detail::throw_already_open("VFile::attach");
     handle = new_handle;
     current_mode = attach_mode;
     opened = false;

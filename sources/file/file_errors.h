@@ -13,6 +13,9 @@ inline int low_bits(std::uint64_t number)
     return static_cast<int>(static_cast<std::uint32_t>(number));
 }
 
+/// "File already open or attached!", id -1.
+[[noreturn]] void throw_already_open(const char* function);
+
 /// "Failed reading %d bytes from file!", id -3. With the last system error, which is 0 where the file just ended.
 [[noreturn]] void throw_read_failure(std::uint64_t size_bytes);
 

@@ -1,3 +1,4 @@
+#include <Remote/Stack.h>
 #include <VelaBase/VelaError.h>
 #include <VelaStacks/VStack.h>
 #include <VelaStacks/VStackRegion.h>
@@ -14,6 +15,13 @@ VStackImp::VStackImp(Ome::Type type, const std::vector<std::uint64_t>& new_sizes
 }
 
 VStackImp::VStackImp(std::uint64_t rank) : VStackInfoImp(rank) {}
+
+VStackImp::VStackImp(const Remote::Stack& stack) : VStackInfoImp(stack), data(stack.share())
+{
+    const std::uint64_t sample_size = vela_dt_get_size(static_cast<std::uint32_t>(get_dt()));
+    if (sample_size != 0 && get_number_of_elements() > data.size() / sample_size)
+        throw VelaError("VStackImp::VStackImp", __FILE__, __LINE__)("Shared memory smaller than the stack!");
+}
 
 VStackImp::VStackImp(const VStackImp& other) = default;
 

@@ -23,6 +23,8 @@ void copy_front(const std::vector<T>& from, std::vector<T>& to)
 std::vector<double> equidistant_positions(double offset, double length, std::uint64_t size)
 {
     std::vector<double> positions(size);
+    if (size == 0)
+        return positions;
     const double step = length / static_cast<double>(size);
     double next = offset - length / 2 + step / 2;
     for (double& position : positions)

@@ -1,8 +1,10 @@
 // What a description has in common with its OME record: type, sizes, lengths, offsets and the date.
+#include <Remote/Stack.h>
 #include <VelaBase/VelaError.h>
 #include <VelaStacks/VStackInfo.h>
 
 #include "ome/current_timestamp.h"
+#include "ome/dimension_axes.h"
 #include "ome/pixel_types.h"
 #include "ome/sizes_of_stack.h"
 #include "ome/unset_texts.h"
@@ -42,23 +44,20 @@ bool is_refused(Enter enter)
 }
 
 /// Lengths or offsets: one for each axis, and its counterpart in the record. While there are no elements, what is set
-/// waits.
+/// waits; but the channel axis is refused at once.
 struct VStackInfoImp::Mirrored
 {
     void set(std::size_t axis, double value) const
     {
         take(axis, value);
-        if (!waits)
-            enter(axis, value);
+        enter_or_wait(axis, value);
     }
 
     void set(const std::vector<double>& from) const
     {
         take_front(from);
-        if (waits)
-            return;
         for (std::size_t d = 0; d < from.size(); ++d)
-            enter(d, from[d]);
+            enter_or_wait(d, from[d]);
     }
 
     /// The same, where what the record refuses is no failure.
@@ -84,6 +83,15 @@ struct VStackInfoImp::Mirrored
     }
 
     void enter(std::size_t d, double value) const { (record.*record_setter)(d, value); }
+
+    void enter_or_wait(std::size_t d, double value) const
+    {
+        if (!waits)
+            enter(d, value);
+        else if (d < Ome::detail::dimension_count &&
+                 Ome::detail::axis_of_dimension(d, record.dimension_order.value()) == Ome::detail::Axis::c)
+            Ome::detail::fail_physical_dimension();
+    }
 
     std::vector<double>& values;
     std::vector<bool>& waiting;
@@ -128,6 +136,15 @@ VStackInfoImp::VStackInfoImp(std::uint64_t rank) : meta(meta_store)
 {
     meta.dimension_order = Ome::DimensionOrder::XYZTC;
     set_sizes(std::vector<std::uint64_t>(rank));
+}
+
+VStackInfoImp::VStackInfoImp(const Remote::Stack& stack) : labels(stack.labels()), dt(stack.type()), meta(meta_store)
+{
+    set_sizes(stack.sizes());
+    store_lengths(stack.lengths());
+    store_offsets(stack.offsets());
+    meta.name = stack.name();
+    meta.description = stack.description();
 }
 
 VStackInfoImp::VStackInfoImp(const VStackInfoImp& other)

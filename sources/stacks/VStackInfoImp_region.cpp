@@ -147,9 +147,9 @@ void VStackInfoImp::take_axis(std::uint64_t axis, std::uint64_t count, const VSt
     store_length(axis, equidistant_there ? length_of(info, from, count) : 1.0);
     store_offset(axis, equidistant_there ? offset_of(info, from, region.begin[from], count) : 0.0);
 
-    // Columns that this description had for another stack go.
-    using Positions = std::vector<double>;
-    set_col_positions(axis, equidistant_there ? Positions() : columns.of(info->get_col_positions(from), count));
-    const std::vector<std::string>& column_labels = info->get_col_labels(from);
-    set_col_labels(axis, column_labels.empty() ? column_labels : columns.of(column_labels, count));
+    // Where that axis has none, those that this description had before stay: this is wanted.
+    if (!equidistant_there)
+        set_col_positions(axis, columns.of(info->get_col_positions(from), count));
+    if (const std::vector<std::string>& column_labels = info->get_col_labels(from); !column_labels.empty())
+        set_col_labels(axis, columns.of(column_labels, count));
 }

@@ -2,6 +2,8 @@
 #include <VelaStacks/VStackInfo.h>
 #include <VelaStacks/VStackPosition.h>
 
+#include "sources/stacks/position_fits.h"
+
 #include <cstddef>
 #include <utility>
 
@@ -55,9 +57,13 @@ void VStackPosition::create(const VStackInfoInterface* info, std::uint64_t n)
 
 bool VStackPosition::is_valid_for(const VStackInfoInterface* info) const
 {
-    const std::size_t count = labels.count();
-    const std::size_t rank = info->get_rank();
-    return is_vector(labels, count) && is_vector(origin, count) &&
-           matrix.get_size(false) == std::vector<std::size_t>{count, rank} &&
-           matrix.count() == VProparrayBase::size({count, rank});
+    return Vela::detail::position_fits(*this, info->get_rank());
+}
+
+bool Vela::detail::position_fits(const VStackPosition& position, std::uint64_t rank)
+{
+    const std::size_t count = position.labels.count();
+    return is_vector(position.labels, count) && is_vector(position.origin, count) &&
+           position.matrix.get_size(false) == std::vector<std::size_t>{count, rank} &&
+           position.matrix.count() == VProparrayBase::size({count, rank});
 }

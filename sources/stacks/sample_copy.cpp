@@ -299,11 +299,11 @@ private:
     std::vector<CopyAxis> axes;
     const unsigned char* source;
     unsigned char* target;
-    const bool is_streamed;
-    TileBuffers buffers;
     unsigned char* raw = nullptr;
     unsigned char* converted = nullptr;
     unsigned char* arranged = nullptr; ///< null where nothing is streamed
+    const bool is_streamed;
+    TileBuffers buffers;
 };
 
 /// How many samples of an axis begin within so many bytes.

@@ -1,9 +1,10 @@
-// How many system calls a scan and a seek make. This program defines the calls itself and so sees every one that
+// How many system calls opening, a scan and a seek make. This program defines the calls itself and so sees every one that
 // the library makes; a count, unlike a time, is the same on every machine.
 
 #include "support/temporary_folder.h"
 #include "support/vbf_bytes.h"
 
+#include <VelaBinaryIO/VBFFile.h>
 #include <VelaBinaryIO/VBFHeaders.h>
 #include <VelaFile/VFile.h>
 #include <VelaFile/VZippedSegment.h>
@@ -90,6 +91,38 @@ TEST_F(ScanCalls, AtMostTwoAStackWhereDataLieBetween)
 TEST_F(ScanCalls, AtMostFourAStackWithLongTexts)
 {
     EXPECT_LE(scan(200, 100, 20000), 4 * 200 + calls_around);
+}
+
+class OpenCalls : public FolderTest
+{
+protected:
+    /// Opens a file of `count` stacks of `data_bytes` bytes and gives the calls.
+    std::size_t open(std::size_t count, std::size_t data_bytes)
+    {
+        VBFFile file(file_name(path("many.vbf")), VFile::write_mode);
+        const Bytes samples(data_bytes, 0x5a);
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            const auto stack = file->add_stack(false);
+            stack->create({data_bytes, 1}, vela_dt_uint8);
+            stack->set_name("a stack of many");
+            stack->set_tag("key", "value");
+            stack->write(vela_dt_uint8, samples.data(), nullptr, VBFStackInterface::all_samples);
+        }
+        file->close();
+        calls = 0;
+        file.open(file_name(path("many.vbf")), VFile::read_mode);
+        EXPECT_EQ(file->number_of_stacks(), count);
+        EXPECT_GT(calls, 0u);
+        return calls;
+    }
+};
+
+TEST_F(OpenCalls, AtMostThreeAStack)
+{
+    EXPECT_LE(open(500, 10), 3 * 500 + calls_around);
+    EXPECT_LE(open(500, 2000), 3 * 500 + calls_around);
+    EXPECT_LE(open(200, 20000), 3 * 200 + calls_around);
 }
 
 class SeekCost : public FolderTest

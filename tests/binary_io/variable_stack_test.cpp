@@ -117,9 +117,11 @@ TEST_F(VariableStack, CannotGrowBeyondItsHeader)
 TEST_F(VariableStack, OfSixAxesTakesNoSamplesThatNobodyCouldRead)
 {
     const Stack stack = add({1, 1, 1, 1, 1, 0});
+    const std::uint64_t size_before = on_disk().size();
     EXPECT_THROW_TEXT(stack->write(vela_dt_uint8, "a", nullptr, 1), std::invalid_argument,
                       "Unsupported number of sizes");
-    EXPECT_EQ(stack->get_state(), 2);
+    EXPECT_EQ(stack->get_state(), 1);
+    EXPECT_EQ(on_disk().size(), size_before);
     VBFFile& opened = reopen();
     ASSERT_EQ(opened->number_of_stacks(), 1u);
     EXPECT_EQ(opened->get_stack(0)->get_sizes(), (Sizes{1, 1, 1, 1, 1, 0}));

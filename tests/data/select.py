@@ -32,10 +32,13 @@ STACK_FIELDS = [
     "compression_type", "compression_level", "name", "description", "data_present", "data_length_on_disk",
     "next_stack_pos", "data_pos", "empty", "uncompressed_size", "samples_sha256", "probes",
     "flush_block_size", "flush_positions", "labels", "get_units", "data_units", "col_positions", "col_labels",
-    "metadata_text", "position", "tags", "stack_end_pos",
+    "metadata_text", "position", "tags", "tags_typed", "stack_end_pos", "sample_size", "number_of_elements",
 ]
 
-DBL_FIELDS = ["dims", "lengths", "flag", "single", "samples_in_file", "data_length", "samples_sha256"]
+DBL_FIELDS = [
+    "dims", "lengths", "flag", "single", "data_type", "rank", "sizes", "stack_lengths", "samples_in_file", "data_length",
+    "samples_sha256",
+]
 
 
 def chosen(folder, entry):

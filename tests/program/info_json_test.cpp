@@ -38,7 +38,19 @@ const char* const golgi_document = R"({
     "name": "Golgi",
     "description": "",
     "data_pos": 442,
-    "data_length_on_disk": 486477
+    "data_length_on_disk": 486477,
+    "axes": [
+      {"label": "X", "unit": "m", "equidistant": true},
+      {"label": "Y", "unit": "m", "equidistant": true},
+      {"label": "Z", "unit": "m", "equidistant": true}
+    ],
+    "tags": {
+      "frame interval":
+        "<root idx=\"1\" type=\"double\" size=\"1 1\" vprop_version=\"1\">59.859999999999999432</root>\n",
+      "source": "golgi_zyx_u16.tif"
+    },
+    "flush_points": 5,
+    "flush_block_size": 201390
   }]
 })";
 

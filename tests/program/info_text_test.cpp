@@ -28,21 +28,27 @@ StackRecipe one_sample()
 
 TEST_F(InfoTextTest, ListsTheGolgiStack)
 {
-    EXPECT_EQ(output_of({"info", VELA_GOLGI_FILE}), std::string(VELA_GOLGI_FILE) +
-                                                        "\n"
-                                                        "  description  Confocal stack of a Golgi apparatus\n"
-                                                        "  format       VBF version 2\n"
-                                                        "  stacks       1\n"
-                                                        "\n"
-                                                        "stack 0\n"
-                                                        "  name         Golgi\n"
-                                                        "  size         147 x 137 x 25\n"
-                                                        "  length       5.1661e-05 x 4.81466e-05 x 9.69e-06\n"
-                                                        "  offset       2.58305e-05, 2.40733e-05, 4.845e-06\n"
-                                                        "  type         uint16\n"
-                                                        "  compression  zlib, level 1\n"
-                                                        "  on disk      486477 bytes at 442\n"
-                                                        "  header       version 5 at 69\n");
+    EXPECT_EQ(output_of({"info", VELA_GOLGI_FILE}),
+              std::string(VELA_GOLGI_FILE) +
+                  "\n"
+                  "  description  Confocal stack of a Golgi apparatus\n"
+                  "  format       VBF version 2\n"
+                  "  stacks       1\n"
+                  "\n"
+                  "stack 0\n"
+                  "  name         Golgi\n"
+                  "  size         147 x 137 x 25\n"
+                  "  length       5.1661e-05 x 4.81466e-05 x 9.69e-06\n"
+                  "  offset       2.58305e-05, 2.40733e-05, 4.845e-06\n"
+                  "  type         uint16\n"
+                  "  compression  zlib, level 1\n"
+                  "  on disk      486477 bytes at 442\n"
+                  "  header       version 5 at 69\n"
+                  "  axes         X in m, Y in m, Z in m\n"
+                  "  flush points 5, one each 201390 bytes\n"
+                  "  tag          frame interval=<root idx=\"1\" type=\"double\" size=\"1 1\" "
+                  "vprop_version=\"1\">59.859999999999999432</root>\\n\n"
+                  "  tag          source=golgi_zyx_u16.tif\n");
 }
 
 TEST_F(InfoTextTest, NothingOfAHostileNameSteersTheTerminal)

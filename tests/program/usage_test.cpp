@@ -20,7 +20,8 @@ protected:
 TEST_F(UsageTest, HelpGoesToStandardOutput)
 {
     const std::string help = output_of({"--help"});
-    for (const char* const command : {"info", "read", "preview", "unit"})
+    for (const char* const command :
+         {"info", "verify", "read", "preview", "export", "tags", "ome", "unit", "import", "append", "copy", "repair"})
         EXPECT_THAT(help, testing::HasSubstr(command));
     EXPECT_THAT(output_of({"read", "--help"}), testing::HasSubstr("--from N"));
     EXPECT_THAT(output_of({"preview", "--help"}), testing::HasSubstr("--plane N"));

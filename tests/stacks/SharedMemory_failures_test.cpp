@@ -198,7 +198,7 @@ TEST_F(SharedMemoryFailure, IsUnlikelyLaterAsThePagesAreReserved)
     struct stat status = {};
     EXPECT_EQ(fstat(descriptor, &status), 0);
     close(descriptor);
-    EXPECT_EQ(status.st_blocks * 512, 64 * 4096);
+    EXPECT_EQ(status.st_blocks * 512, std::int64_t{64} * 4096);
 }
 
 } // namespace

@@ -117,6 +117,16 @@ TEST(ColumnPositions, BehindTheAxisAreNone)
                          "Invalid pixel position!");
 }
 
+TEST(ColumnPositions, OfAnAxisThatBecameEmptyAreNone)
+{
+    OpenInfo info = four_pixels();
+    info.get_col_positions(0);
+    info.set_sizes({0});
+    EXPECT_THAT(info.get_col_positions(0), IsEmpty());
+    info.set_sizes({4});
+    EXPECT_THAT(info.get_col_positions(0), ElementsAre(-1.5, -0.5, 0.5, 1.5));
+}
+
 TEST(ColumnLabels, AreOneForEachColumnOrNone)
 {
     OpenInfo info(Sizes{3});

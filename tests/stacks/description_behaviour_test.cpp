@@ -1,5 +1,5 @@
 /// What can be seen of a description: creation, sizes, types, lock and axis checks.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_bad_cast.h"
 #include "support/expect_vela_error.h"
 #include "support/slot_of.h"
@@ -11,8 +11,8 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
 using vela_test::Doubles;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using vela_test::Texts;
 
@@ -101,7 +101,7 @@ TEST(DescriptionBehaviour, FreshOneHasNoAxesAndOneElement)
     EXPECT_TRUE(info.get_sizes().empty());
     EXPECT_EQ(info.get_data_units(), si::value());
     EXPECT_TRUE(info.get_data_units().is_dimensionless());
-    EXPECT_FALSE(BehaviourInfo().locked);
+    EXPECT_FALSE(OpenInfo().locked);
 }
 
 TEST(DescriptionBehaviour, OneOfARankHasAxesOfSizeZeroWithDefaults)
@@ -163,12 +163,12 @@ TEST(DescriptionBehaviour, UnsupportedTypeIsStoredAndThenRefused)
     for (const vela_dt dt : {vela_dt_uint64, vela_dt_int64, vela_dt_logical, vela_dt_rgb, vela_dt_packed_color,
                              vela_dt_char, vela_dt_cell, vela_dt_complex | vela_dt_uint8, vela_dt_array | 1, 3, -1})
     {
-        BehaviourInfo info(Sizes{4, 3});
+        OpenInfo info(Sizes{4, 3});
         EXPECT_THROW_TEXT(info.create(Sizes{7}, dt), std::invalid_argument, "Unsupported data type");
         EXPECT_EQ(info.get_dt(), dt);
         EXPECT_EQ(info.get_sizes(), (Sizes{4, 3}));
         EXPECT_EQ(info.meta_data().type.get(), Ome::Type::uint8);
-        BehaviourInfo other(2);
+        OpenInfo other(2);
         EXPECT_THROW_TEXT(other.set_type(dt), std::invalid_argument, "Unsupported data type");
         EXPECT_EQ(other.get_dt(), dt);
         EXPECT_TRUE(other.meta_data().type.is_null());
@@ -177,7 +177,7 @@ TEST(DescriptionBehaviour, UnsupportedTypeIsStoredAndThenRefused)
 
 TEST(DescriptionBehaviour, TypeZeroIsStoredAndLeavesTheRecord)
 {
-    BehaviourInfo info(Sizes{4});
+    OpenInfo info(Sizes{4});
     info.create(Sizes{3}, 0);
     EXPECT_EQ(info.get_dt(), 0);
     EXPECT_EQ(info.get_sizes(), Sizes{3});
@@ -186,7 +186,7 @@ TEST(DescriptionBehaviour, TypeZeroIsStoredAndLeavesTheRecord)
 
 TEST(DescriptionBehaviour, VariableTypeIsSetOnce)
 {
-    BehaviourInfo info(1);
+    OpenInfo info(1);
     info.set_variable_type(0);
     info.set_variable_type(vela_dt_int16);
     EXPECT_EQ(info.get_dt(), 8);
@@ -197,14 +197,14 @@ TEST(DescriptionBehaviour, VariableTypeIsSetOnce)
     EXPECT_EQ(info.get_dt(), 8);
     info.set_type(0x40000080);
     EXPECT_VELA_ERROR(info.set_variable_type(1), -1, "The type is already set to 1073741952.");
-    BehaviourInfo other(1);
+    OpenInfo other(1);
     EXPECT_THROW_TEXT(other.set_variable_type(vela_dt_int64), std::invalid_argument, "Unsupported data type");
     EXPECT_VELA_ERROR(other.set_variable_type(1), -1, "The type is already set to 8192.");
 }
 
 TEST(DescriptionBehaviour, VariableSizeReplacesTheLastOne)
 {
-    BehaviourInfo info(3);
+    OpenInfo info(3);
     info.set_sizes({4, 3, 0});
     info.set_variable_size(5);
     EXPECT_EQ(info.get_sizes(), (Sizes{4, 3, 5}));
@@ -237,7 +237,7 @@ TEST(DescriptionBehaviour, ProductsOfSizesAreCountedUpToTheLast)
     };
     for (const Case& c : cases)
     {
-        BehaviourInfo info(Sizes{9, 9});
+        OpenInfo info(Sizes{9, 9});
         if (c.fits)
         {
             info.set_sizes(c.sizes);
@@ -256,7 +256,7 @@ TEST(DescriptionBehaviour, ProductsOfSizesAreCountedUpToTheLast)
 
 TEST(DescriptionBehaviour, SixSizesFailUnlessOneIsZero)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     EXPECT_THROW_TEXT(info.create(Sizes{1, 2, 1, 3, 1, 1}, vela_dt_int8), std::invalid_argument,
                       "Unsupported number of sizes");
     EXPECT_EQ(info.get_rank(), 6u);
@@ -270,7 +270,7 @@ TEST(DescriptionBehaviour, SixSizesFailUnlessOneIsZero)
 
 TEST(DescriptionBehaviour, SizeThatTheRecordCannotHoldIsSetAndThenRefused)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     EXPECT_BAD_CAST(info.create(Sizes{std::uint64_t{1} << 63}, vela_dt_int8));
     EXPECT_EQ(info.get_sizes(), Sizes{std::uint64_t{1} << 63});
     EXPECT_EQ(info.get_number_of_elements(), std::uint64_t{1} << 63);
@@ -280,7 +280,7 @@ TEST(DescriptionBehaviour, SizeThatTheRecordCannotHoldIsSetAndThenRefused)
 
 TEST(DescriptionBehaviour, BytesFollowFromTypeAndElements)
 {
-    const BehaviourInfo info(Sizes{4, 3});
+    const OpenInfo info(Sizes{4, 3});
     const std::pair<vela_dt, std::uint64_t> sizes[] = {{0, 12},
                                                        {vela_dt_uint8, 12},
                                                        {vela_dt_int16, 24},
@@ -299,7 +299,7 @@ TEST(DescriptionBehaviour, BytesFollowFromTypeAndElements)
 
 TEST(DescriptionBehaviour, AxesThatStayKeepWhatIsKnownOfThem)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_len({8.0, 6.0});
     info.set_off({1.0, 2.0});
     info.set_labels({"X", "Y"});
@@ -321,7 +321,7 @@ TEST(DescriptionBehaviour, AxesThatStayKeepWhatIsKnownOfThem)
 
 TEST(DescriptionBehaviour, VectorFormsTakeTheSmallerOfBothCounts)
 {
-    BehaviourInfo info(Sizes{4, 3, 2});
+    OpenInfo info(Sizes{4, 3, 2});
     info.set_len(Doubles{8.0});
     info.set_off(Doubles{1.0, 2.0});
     info.set_labels({"a", "b", "c", "d"});

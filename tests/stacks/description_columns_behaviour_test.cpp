@@ -1,5 +1,5 @@
 /// What can be seen of columns and units of a description, and of the handle that shares one.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_vela_error.h"
 
 #include <gtest/gtest.h>
@@ -9,26 +9,26 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
 using vela_test::Doubles;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using vela_test::Texts;
 
 constexpr const char* folder = "sources/stacks";
 
-BehaviourInfo four_pixels()
+OpenInfo four_pixels()
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_len(0, 4.0);
     return info;
 }
 
 TEST(ColumnsBehaviour, EquidistantPositionsAreTheMiddlesOfThePixels)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     EXPECT_EQ(info.get_col_positions(0), (Doubles{-1.5, -0.5, 0.5, 1.5}));
     EXPECT_TRUE(info.is_equidistant(0));
-    BehaviourInfo other = four_pixels();
+    OpenInfo other = four_pixels();
     other.set_off(0, 10.0);
     other.set_len(0, 8.0);
     EXPECT_EQ(other.get_col_positions(0), (Doubles{7.0, 9.0, 11.0, 13.0}));
@@ -37,7 +37,7 @@ TEST(ColumnsBehaviour, EquidistantPositionsAreTheMiddlesOfThePixels)
 
 TEST(ColumnsBehaviour, OnePositionOfAnEquidistantAxisFollowsFromLengthAndOffset)
 {
-    BehaviourInfo info(Sizes{7});
+    OpenInfo info(Sizes{7});
     info.set_len(0, 0.3);
     info.set_off(0, -4.1);
     for (std::uint64_t pixel = 0; pixel < 7; ++pixel)
@@ -51,7 +51,7 @@ TEST(ColumnsBehaviour, OnePositionOfAnEquidistantAxisFollowsFromLengthAndOffset)
 
 TEST(ColumnsBehaviour, PixelBehindTheAxisIsRefused)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     for (int round = 0; round < 2; ++round)
     {
         for (const std::uint64_t pixel : {std::uint64_t{4}, UINT64_MAX})
@@ -65,7 +65,7 @@ TEST(ColumnsBehaviour, PixelBehindTheAxisIsRefused)
 
 TEST(ColumnsBehaviour, FilledVectorStaysWhenLengthOrOffsetChange)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     info.get_col_positions(0);
     info.set_len(0, 400.0);
     info.set_off(0, 7.0);
@@ -76,7 +76,7 @@ TEST(ColumnsBehaviour, FilledVectorStaysWhenLengthOrOffsetChange)
 
 TEST(ColumnsBehaviour, FilledVectorIsTheCallersToChange)
 {
-    const BehaviourInfo info = four_pixels();
+    const OpenInfo info = four_pixels();
     info.get_col_positions(0)[2] = 77.0;
     EXPECT_EQ(info.get_col_positions(0), (Doubles{-1.5, -0.5, 77.0, 1.5}));
     info.get_col_positions(0).push_back(1.0);
@@ -85,7 +85,7 @@ TEST(ColumnsBehaviour, FilledVectorIsTheCallersToChange)
 
 TEST(ColumnsBehaviour, FilledVectorFollowsTheSizeOfTheAxis)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     info.get_col_positions(0);
     info.set_sizes({2, 3});
     EXPECT_EQ(info.get_col_positions(0), (Doubles{-1.0, 1.0}));
@@ -96,7 +96,7 @@ TEST(ColumnsBehaviour, FilledVectorFollowsTheSizeOfTheAxis)
 
 TEST(ColumnsBehaviour, SetPositionsEndEquidistanceAndAnEmptyVectorBringsItBack)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     info.set_col_positions(0, {1, 2, 4, 8});
     EXPECT_FALSE(info.is_equidistant(0));
     EXPECT_TRUE(info.is_equidistant(1));
@@ -110,7 +110,7 @@ TEST(ColumnsBehaviour, SetPositionsEndEquidistanceAndAnEmptyVectorBringsItBack)
 
 TEST(ColumnsBehaviour, EmptyVectorAlsoForgetsWhatAGetterFilled)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     info.get_col_positions(0);
     info.set_len(0, 8.0);
     info.set_col_positions(0, {});
@@ -119,7 +119,7 @@ TEST(ColumnsBehaviour, EmptyVectorAlsoForgetsWhatAGetterFilled)
 
 TEST(ColumnsBehaviour, PositionsOfAnAxisThatChangedItsSizeAreCleared)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     info.set_col_positions(0, {1, 2, 4, 8});
     info.set_sizes({6, 3});
     EXPECT_FALSE(info.is_equidistant(0));
@@ -132,7 +132,7 @@ TEST(ColumnsBehaviour, PositionsOfAnAxisThatChangedItsSizeAreCleared)
 
 TEST(ColumnsBehaviour, WrongNumberOfPositionsChangesNothing)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     for (const std::size_t count : {1u, 3u, 5u})
         EXPECT_VELA_ERROR_IN(info.set_col_positions(0, Doubles(count)), "VStackInfoImp::set_col_positions", folder, -15,
                              "Wrong number of positions!");
@@ -145,7 +145,7 @@ TEST(ColumnsBehaviour, WrongNumberOfPositionsChangesNothing)
 
 TEST(ColumnsBehaviour, LabelsHaveTheSizeOfTheAxisOrNone)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     info.set_col_labels(0, {"a", "", "c", "d"});
     EXPECT_EQ(info.get_col_labels(0), (Texts{"a", "", "c", "d"}));
     for (const std::size_t count : {1u, 3u, 5u})
@@ -158,7 +158,7 @@ TEST(ColumnsBehaviour, LabelsHaveTheSizeOfTheAxisOrNone)
 
 TEST(ColumnsBehaviour, OperationsTakeWhatTheirOwnGettersGive)
 {
-    BehaviourInfo info = four_pixels();
+    OpenInfo info = four_pixels();
     info.set_col_labels(0, {"a", "b", "c", "d"});
     info.set_col_labels(0, info.get_col_labels(0));
     EXPECT_EQ(info.get_col_labels(0), (Texts{"a", "b", "c", "d"}));
@@ -202,7 +202,7 @@ TEST(UnitsBehaviour, UnitOfAnAxisIsGuessedFromItsLabelAndLength)
     for (const Case& c : cases)
     {
         SCOPED_TRACE(std::string(c.unit) + " '" + c.label + "' " + std::to_string(c.length));
-        BehaviourInfo info(1); // without elements, so the record has nothing to say about a length
+        OpenInfo info(1); // without elements, so the record has nothing to say about a length
         if (*c.unit != '\0')
             info.set_units(0, si::value(c.unit));
         info.set_label(0, c.label);
@@ -217,7 +217,7 @@ TEST(UnitsBehaviour, UnitOfAnAxisIsGuessedFromItsLabelAndLength)
 
 TEST(UnitsBehaviour, UnitWithADimensionOrWithoutALabelComesAsItWasSet)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_units(0, si::value("2 K"));
     info.set_label(0, "X");
     info.set_len(0, 80.0);
@@ -232,7 +232,7 @@ TEST(UnitsBehaviour, UnitWithADimensionOrWithoutALabelComesAsItWasSet)
 
 TEST(UnitsBehaviour, UnitOfTheSamplesIsStored)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_data_units(si::value("3 V"));
     EXPECT_EQ(info.get_data_units(), si::value("3 V"));
 }

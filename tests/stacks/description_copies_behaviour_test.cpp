@@ -1,5 +1,5 @@
 /// What goes along when a description is copied or takes the information of another, and when it was acquired.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_vela_error.h"
 
 #include <gtest/gtest.h>
@@ -12,16 +12,16 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
 using vela_test::Doubles;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using vela_test::Texts;
 
 constexpr const char* no_dimension = "Unsupported physical dimension";
 
-std::unique_ptr<BehaviourInfo> make_full()
+std::unique_ptr<OpenInfo> make_full()
 {
-    auto info = std::make_unique<BehaviourInfo>(Sizes{4, 3});
+    auto info = std::make_unique<OpenInfo>(Sizes{4, 3});
     info->set_len({8.0, 6.0});
     info->set_off({1.0, 2.0});
     info->set_labels({"X", "Y"});
@@ -61,7 +61,7 @@ TEST(DescriptionCopyBehaviour, HasEverythingAndLivesOnItsOwn)
 {
     auto original = make_full();
     original->locked = true;
-    BehaviourInfo copy(*original);
+    OpenInfo copy(*original);
     EXPECT_NE(&copy.meta_data(), &original->meta_data());
     original->meta_data().name = "changed";
     original->meta_data().physical_size_x = 99.0;
@@ -86,7 +86,7 @@ TEST(DescriptionCopyBehaviour, HasEverythingAndLivesOnItsOwn)
 TEST(DescriptionCopyBehaviour, ChangesOfTheCopyDoNotReachTheOriginal)
 {
     const auto original = make_full();
-    BehaviourInfo copy(*original);
+    OpenInfo copy(*original);
     copy.set_name("other");
     copy.set_len(0, 80.0);
     copy.set_off(0, 7.0);
@@ -98,12 +98,12 @@ TEST(DescriptionCopyBehaviour, ChangesOfTheCopyDoNotReachTheOriginal)
 
 TEST(DescriptionCopyBehaviour, SucceedsAfterUnsetFieldsWereRead)
 {
-    BehaviourInfo original(2);
+    OpenInfo original(2);
     original.meta_data().acquisition_date.get();
     original.meta_data().type.get();
     original.meta_data().time_increment_unit.get();
     original.get_name();
-    BehaviourInfo copy(original);
+    OpenInfo copy(original);
     copy.create(Sizes{3, 2}, vela_dt_int16);
     EXPECT_EQ(copy.meta_data().type.get(), Ome::Type::int16);
     EXPECT_EQ(original.get_number_of_elements(), 0u);
@@ -112,7 +112,7 @@ TEST(DescriptionCopyBehaviour, SucceedsAfterUnsetFieldsWereRead)
 TEST(SetInfoBehaviour, TakesWhatIsListedAndNothingElse)
 {
     const auto full = make_full();
-    BehaviourInfo info;
+    OpenInfo info;
     info.create(full.get(), 0);
     expect_shared_part(info);
     EXPECT_EQ(info.get_dt(), vela_dt_uint8);
@@ -130,7 +130,7 @@ TEST(SetInfoBehaviour, TakesWhatIsListedAndNothingElse)
 TEST(SetInfoBehaviour, MakesAnAxisEquidistantAndClearsItsLabelsAsTheSourceIs)
 {
     const auto full = make_full();
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_col_positions(0, {9, 9, 9, 9});
     info.set_col_labels(1, {"x", "y", "z"});
     info.set_info(full.get());
@@ -150,7 +150,7 @@ TEST(SetInfoBehaviour, OfItselfChangesNothing)
 TEST(SetInfoBehaviour, ColumnsThatDoNotFitFailBehindWhatComesBeforeThem)
 {
     const auto full = make_full();
-    BehaviourInfo info(Sizes{5, 3});
+    OpenInfo info(Sizes{5, 3});
     EXPECT_VELA_ERROR_IN(info.set_info(full.get()), "VStackInfoImp::set_col_labels", "sources/stacks", -15,
                          "Wrong number of labels!");
     EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0}));
@@ -159,7 +159,7 @@ TEST(SetInfoBehaviour, ColumnsThatDoNotFitFailBehindWhatComesBeforeThem)
     EXPECT_TRUE(info.is_equidistant(1));
     EXPECT_EQ(info.get_stack_position().origin.count(), 2u);
     full->set_col_labels(0, {});
-    BehaviourInfo other(Sizes{4, 2});
+    OpenInfo other(Sizes{4, 2});
     EXPECT_VELA_ERROR_IN(other.set_info(full.get()), "VStackInfoImp::set_col_positions", "sources/stacks", -15,
                          "Wrong number of positions!");
     EXPECT_EQ(other.get_description(), "description");
@@ -168,7 +168,7 @@ TEST(SetInfoBehaviour, ColumnsThatDoNotFitFailBehindWhatComesBeforeThem)
 TEST(SetInfoBehaviour, PositionOfAnotherRankIsRefusedLast)
 {
     const auto full = make_full();
-    BehaviourInfo info(Sizes{4, 3, 2});
+    OpenInfo info(Sizes{4, 3, 2});
     EXPECT_VELA_ERROR(info.set_info(full.get()), -1, "Invalid global stack position!");
     EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0, 1.0}));
     EXPECT_EQ(info.get_col_labels(0), (Texts{"a", "b", "c", "d"}));
@@ -177,12 +177,12 @@ TEST(SetInfoBehaviour, PositionOfAnotherRankIsRefusedLast)
 
 TEST(SetInfoBehaviour, LongerOneFillsTheAxesThatAreThere)
 {
-    BehaviourInfo source(Sizes{4, 3, 2});
+    OpenInfo source(Sizes{4, 3, 2});
     source.set_len({8.0, 6.0, 4.0});
     source.set_off({1.0, 2.0, 3.0});
     source.set_labels({"X", "Y", "Z"});
     source.set_col_positions(1, {1, 2, 4});
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     EXPECT_VELA_ERROR(info.set_info(&source), -1, "Invalid global stack position!");
     EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0}));
     EXPECT_EQ(info.get_offsets(), (Doubles{1.0, 2.0}));
@@ -192,10 +192,10 @@ TEST(SetInfoBehaviour, LongerOneFillsTheAxesThatAreThere)
 
 TEST(SetInfoBehaviour, ColumnsThatNoLongerFitTheSourceFailOrAreNone)
 {
-    BehaviourInfo source(Sizes{4});
+    OpenInfo source(Sizes{4});
     source.set_col_positions(0, {1, 2, 4, 8});
     source.set_sizes({6});
-    BehaviourInfo info;
+    OpenInfo info;
     info.create(&source, 0);
     EXPECT_FALSE(source.is_equidistant(0));
     EXPECT_TRUE(info.is_equidistant(0));
@@ -207,10 +207,10 @@ TEST(SetInfoBehaviour, ColumnsThatNoLongerFitTheSourceFailOrAreNone)
 
 TEST(SetInfoBehaviour, LengthsAndOffsetsWaitForElements)
 {
-    BehaviourInfo source(Sizes{4, 3});
+    OpenInfo source(Sizes{4, 3});
     source.set_len({8.0, 6.0});
     source.set_off({1.0, 2.0});
-    BehaviourInfo info(2);
+    OpenInfo info(2);
     info.set_info(&source);
     EXPECT_TRUE(info.meta_data().size_x.is_null());
     info.create(Sizes{2, 3}, vela_dt_int8);
@@ -222,10 +222,10 @@ TEST(SetInfoBehaviour, StoresLengthsAndOffsetsThatTheRecordCannotExpress)
 {
     for (const auto order : {Ome::DimensionOrder::XYCZT, Ome::DimensionOrder::XYZTC})
     {
-        BehaviourInfo source(Sizes{4, 3, 2, 5, 6}, order);
+        OpenInfo source(Sizes{4, 3, 2, 5, 6}, order);
         EXPECT_THROW_TEXT(source.set_len({8.0, 6.0, 4.0, 10.0, 12.0}), std::invalid_argument, no_dimension);
         EXPECT_THROW_TEXT(source.set_off({3.0, 0.0, 5.0, 7.0, 0.0}), std::invalid_argument, no_dimension);
-        BehaviourInfo info(Sizes{}, order);
+        OpenInfo info(Sizes{}, order);
         info.create(&source, 0);
         EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0, 4.0, 10.0, 12.0}));
         EXPECT_EQ(info.get_offsets(), (Doubles{3.0, 0.0, 5.0, 7.0, 0.0}));
@@ -237,7 +237,7 @@ TEST(SetInfoBehaviour, StoresLengthsAndOffsetsThatTheRecordCannotExpress)
         EXPECT_EQ(info.meta_data().planes[0]->position_z.get(), channels_first ? 7.0 - 2.0 * 2.0 : 5.0 - 0.5 * 2.0);
         VStackRegion region;
         region.create(&source, 0);
-        BehaviourInfo cut(Sizes{}, order);
+        OpenInfo cut(Sizes{}, order);
         cut.create(&source, region);
         EXPECT_EQ(cut.get_lengths(), source.get_lengths());
         EXPECT_EQ(cut.get_offsets(), source.get_offsets());
@@ -354,7 +354,7 @@ void expect_date(const char* rule, const char* offset, long minutes)
 {
     SCOPED_TRACE(rule);
     const TimeZone zone(rule);
-    BehaviourInfo info(Sizes{4});
+    OpenInfo info(Sizes{4});
     const std::time_t before = std::time(nullptr);
     info.set_acquisition_date();
     const std::time_t after = std::time(nullptr);

@@ -1,5 +1,5 @@
 /// Memory that descriptions take: none for planes at which nobody has looked.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/allocation_watch.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 namespace {
 
 using vela_test::AllocationWatch;
-using vela_test::BehaviourInfo;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 
 struct Cost
@@ -25,14 +25,14 @@ constexpr std::size_t rounding = 256;
 const Sizes few = {4, 4, 5, 2};
 const Sizes million = {4, 4, 1000, 1000};
 
-Cost cost_of(const std::function<std::unique_ptr<BehaviourInfo>(const Sizes&)>& make, const Sizes& sizes)
+Cost cost_of(const std::function<std::unique_ptr<OpenInfo>(const Sizes&)>& make, const Sizes& sizes)
 {
     const AllocationWatch watch;
     const auto info = make(sizes);
     return {watch.peak_extra_bytes(), watch.extra_bytes()};
 }
 
-void expect_equal_costs(const std::function<std::unique_ptr<BehaviourInfo>(const Sizes&)>& make)
+void expect_equal_costs(const std::function<std::unique_ptr<OpenInfo>(const Sizes&)>& make)
 {
     cost_of(make, few); // what is made once for all is not counted
     const Cost small = cost_of(make, few);
@@ -42,12 +42,12 @@ void expect_equal_costs(const std::function<std::unique_ptr<BehaviourInfo>(const
     EXPECT_LE(large.kept, small.kept + rounding);
 }
 
-std::unique_ptr<BehaviourInfo> make_plain(const Sizes& sizes)
+std::unique_ptr<OpenInfo> make_plain(const Sizes& sizes)
 {
-    return std::make_unique<BehaviourInfo>(sizes);
+    return std::make_unique<OpenInfo>(sizes);
 }
 
-std::unique_ptr<BehaviourInfo> make_full(const Sizes& sizes)
+std::unique_ptr<OpenInfo> make_full(const Sizes& sizes)
 {
     auto info = make_plain(sizes);
     info->set_len({8.0, 8.0, 8.0, 8.0});
@@ -64,7 +64,7 @@ TEST(DescriptionCostsBehaviour, AMillionPlanesTakeAsMuchAsTen)
 TEST(DescriptionCostsBehaviour, AMillionChannelsTakeAsMuchAsTen)
 {
     const auto of_channels = [](const Sizes& sizes) {
-        return std::make_unique<BehaviourInfo>(Sizes{4, 4, 1, 1, sizes[2] * sizes[3]});
+        return std::make_unique<OpenInfo>(Sizes{4, 4, 1, 1, sizes[2] * sizes[3]});
     };
     expect_equal_costs(of_channels);
 }
@@ -72,7 +72,7 @@ TEST(DescriptionCostsBehaviour, AMillionChannelsTakeAsMuchAsTen)
 TEST(DescriptionCostsBehaviour, AsManyPlanesAsElementsCanBeCounted)
 {
     const std::uint64_t edge = std::uint64_t{1} << 21;
-    BehaviourInfo info(Sizes{1, 1, edge, edge, edge});
+    OpenInfo info(Sizes{1, 1, edge, edge, edge});
     info.set_len(2, 5.0);
     info.set_off(0, 5.0);
     EXPECT_EQ(info.meta_data().planes.size(), std::uint64_t{1} << 63);
@@ -90,7 +90,7 @@ TEST(DescriptionCostsBehaviour, GrowingToAMillionPlanesTakesAsMuchAsToTen)
     expect_equal_costs(
         [](const Sizes& sizes)
         {
-            auto info = std::make_unique<BehaviourInfo>(std::uint64_t{4});
+            auto info = std::make_unique<OpenInfo>(std::uint64_t{4});
             info->set_sizes({sizes[0], sizes[1], sizes[2], 0});
             info->set_variable_type(vela_dt_uint8);
             info->set_len({8.0, 8.0, 8.0, 8.0});
@@ -102,11 +102,11 @@ TEST(DescriptionCostsBehaviour, GrowingToAMillionPlanesTakesAsMuchAsToTen)
 
 TEST(DescriptionCostsBehaviour, CopiesOfAMillionPlanesTakeAsMuchAsOfTen)
 {
-    expect_equal_costs([](const Sizes& sizes) { return std::make_unique<BehaviourInfo>(*make_full(sizes)); });
+    expect_equal_costs([](const Sizes& sizes) { return std::make_unique<OpenInfo>(*make_full(sizes)); });
     expect_equal_costs(
         [](const Sizes& sizes)
         {
-            auto info = std::make_unique<BehaviourInfo>();
+            auto info = std::make_unique<OpenInfo>();
             info->create(make_full(sizes).get(), 0);
             return info;
         });
@@ -116,7 +116,7 @@ TEST(DescriptionCostsBehaviour, CopiesOfAMillionPlanesTakeAsMuchAsOfTen)
             const auto full = make_full(sizes);
             VStackRegion region;
             region.create(full.get(), 0);
-            auto info = std::make_unique<BehaviourInfo>();
+            auto info = std::make_unique<OpenInfo>();
             info->create(full.get(), region);
             return info;
         });
@@ -124,11 +124,11 @@ TEST(DescriptionCostsBehaviour, CopiesOfAMillionPlanesTakeAsMuchAsOfTen)
 
 TEST(DescriptionCostsBehaviour, PlanesThatNobodyHasSeenAreThereWhenLookedAt)
 {
-    BehaviourInfo info(Sizes{4, 4, 30, 40});
+    OpenInfo info(Sizes{4, 4, 30, 40});
     info.set_len({8.0, 8.0, 60.0, 120.0});
     info.set_off({5.0, 6.0, 7.0, 100.0});
-    BehaviourInfo copy(info);
-    for (BehaviourInfo* each : {&info, &copy})
+    OpenInfo copy(info);
+    for (OpenInfo* each : {&info, &copy})
     {
         ASSERT_EQ(each->meta_data().planes.size(), 1200u);
         const auto& plane = *each->meta_data().planes[1199];

@@ -1,5 +1,5 @@
 /// What can be seen of the lock of a description, and of how it holds axes against its rank.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_vela_error.h"
 
 #include <gtest/gtest.h>
@@ -8,8 +8,8 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
 using vela_test::Doubles;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using vela_test::Texts;
 
@@ -18,46 +18,46 @@ constexpr const char* folder = "sources/stacks";
 struct Mutator
 {
     const char* function;
-    std::function<void(BehaviourInfo&, std::uint64_t axis)> call;
+    std::function<void(OpenInfo&, std::uint64_t axis)> call;
     bool takes_axis;
 };
 
-const BehaviourInfo& some_info()
+const OpenInfo& some_info()
 {
-    static const BehaviourInfo info(Sizes{4, 3});
+    static const OpenInfo info(Sizes{4, 3});
     return info;
 }
 
 const Mutator mutators[] = {
-    {"create", [](BehaviourInfo& i, std::uint64_t) { i.create(Sizes{1}, vela_dt_int8); }, false},
-    {"create", [](BehaviourInfo& i, std::uint64_t) { i.create(&some_info(), vela_dt_int8); }, false},
+    {"create", [](OpenInfo& i, std::uint64_t) { i.create(Sizes{1}, vela_dt_int8); }, false},
+    {"create", [](OpenInfo& i, std::uint64_t) { i.create(&some_info(), vela_dt_int8); }, false},
     {"create",
-     [](BehaviourInfo& i, std::uint64_t)
+     [](OpenInfo& i, std::uint64_t)
      {
          VStackRegion region;
          region.create(&some_info(), 0);
          i.create(&some_info(), region);
      },
      false},
-    {"set_info", [](BehaviourInfo& i, std::uint64_t) { i.set_info(&some_info()); }, false},
-    {"set_name", [](BehaviourInfo& i, std::uint64_t) { i.set_name("x"); }, false},
-    {"set_acquisition_date", [](BehaviourInfo& i, std::uint64_t) { i.set_acquisition_date(); }, false},
-    {"set_description", [](BehaviourInfo& i, std::uint64_t) { i.set_description("x"); }, false},
-    {"set_len", [](BehaviourInfo& i, std::uint64_t axis) { i.set_len(axis, 9.0); }, true},
-    {"set_len", [](BehaviourInfo& i, std::uint64_t) { i.set_len(Doubles{9.0}); }, false},
-    {"set_off", [](BehaviourInfo& i, std::uint64_t axis) { i.set_off(axis, 9.0); }, true},
-    {"set_off", [](BehaviourInfo& i, std::uint64_t) { i.set_off(Doubles{9.0}); }, false},
-    {"set_labels", [](BehaviourInfo& i, std::uint64_t) { i.set_labels({"x"}); }, false},
-    {"set_col_labels", [](BehaviourInfo& i, std::uint64_t axis) { i.set_col_labels(axis, {"x"}); }, true},
-    {"set_col_positions", [](BehaviourInfo& i, std::uint64_t axis) { i.set_col_positions(axis, {1.0}); }, true},
-    {"set_label", [](BehaviourInfo& i, std::uint64_t axis) { i.set_label(axis, "x"); }, true},
-    {"set_units", [](BehaviourInfo& i, std::uint64_t axis) { i.set_units(axis, si::value("K")); }, true},
-    {"set_data_units", [](BehaviourInfo& i, std::uint64_t) { i.set_data_units(si::value("K")); }, false},
+    {"set_info", [](OpenInfo& i, std::uint64_t) { i.set_info(&some_info()); }, false},
+    {"set_name", [](OpenInfo& i, std::uint64_t) { i.set_name("x"); }, false},
+    {"set_acquisition_date", [](OpenInfo& i, std::uint64_t) { i.set_acquisition_date(); }, false},
+    {"set_description", [](OpenInfo& i, std::uint64_t) { i.set_description("x"); }, false},
+    {"set_len", [](OpenInfo& i, std::uint64_t axis) { i.set_len(axis, 9.0); }, true},
+    {"set_len", [](OpenInfo& i, std::uint64_t) { i.set_len(Doubles{9.0}); }, false},
+    {"set_off", [](OpenInfo& i, std::uint64_t axis) { i.set_off(axis, 9.0); }, true},
+    {"set_off", [](OpenInfo& i, std::uint64_t) { i.set_off(Doubles{9.0}); }, false},
+    {"set_labels", [](OpenInfo& i, std::uint64_t) { i.set_labels({"x"}); }, false},
+    {"set_col_labels", [](OpenInfo& i, std::uint64_t axis) { i.set_col_labels(axis, {"x"}); }, true},
+    {"set_col_positions", [](OpenInfo& i, std::uint64_t axis) { i.set_col_positions(axis, {1.0}); }, true},
+    {"set_label", [](OpenInfo& i, std::uint64_t axis) { i.set_label(axis, "x"); }, true},
+    {"set_units", [](OpenInfo& i, std::uint64_t axis) { i.set_units(axis, si::value("K")); }, true},
+    {"set_data_units", [](OpenInfo& i, std::uint64_t) { i.set_data_units(si::value("K")); }, false},
 };
 
 TEST(LockBehaviour, LockedOneRefusesEveryGuardedMutatorBeforeAnythingElse)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_name("name");
     info.locked = true;
     for (const Mutator& mutator : mutators)
@@ -76,7 +76,7 @@ TEST(LockBehaviour, LockedOneRefusesEveryGuardedMutatorBeforeAnythingElse)
 
 TEST(LockBehaviour, RegionIsResolvedBeforeTheFormOnSizesLooksAtTheLock)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.locked = true;
     VStackRegion region;
     region.create(&info, 0);
@@ -86,7 +86,7 @@ TEST(LockBehaviour, RegionIsResolvedBeforeTheFormOnSizesLooksAtTheLock)
 
 TEST(LockBehaviour, LockedOneLetsTheUnguardedPass)
 {
-    BehaviourInfo info(2);
+    OpenInfo info(2);
     info.locked = true;
     info.set_variable_type(vela_dt_int8);
     info.set_type(vela_dt_int16);
@@ -100,8 +100,8 @@ TEST(LockBehaviour, LockedOneLetsTheUnguardedPass)
 
 TEST(LockBehaviour, AxisBeyondTheRankIsRefusedEverywhere)
 {
-    BehaviourInfo info(Sizes{4, 3});
-    const BehaviourInfo& seen = info;
+    OpenInfo info(Sizes{4, 3});
+    const OpenInfo& seen = info;
     std::vector<std::function<void(std::uint64_t)>> calls = {
         [&](std::uint64_t axis) { seen.get_col_labels(axis); },
         [&](std::uint64_t axis) { seen.get_col_positions(axis); },

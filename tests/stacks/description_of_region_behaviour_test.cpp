@@ -1,5 +1,5 @@
 /// The description of a region of a stack, against a plain model that takes one step after the other.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_vela_error.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +10,8 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
 using vela_test::Doubles;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using vela_test::Texts;
 using Pixels = std::vector<std::int64_t>;
@@ -219,7 +219,7 @@ private:
     std::mt19937 random_;
 
 public:
-    BehaviourInfo info;
+    OpenInfo info;
 };
 
 TEST(DescriptionOfRegionBehaviour, RandomRegionsFollowStepByStep)
@@ -230,7 +230,7 @@ TEST(DescriptionOfRegionBehaviour, RandomRegionsFollowStepByStep)
         RandomStack stack(seed);
         VStackRegion region = stack.make_region();
         region.dt = seed % 2 == 0 ? vela_dt_double : 0;
-        BehaviourInfo made;
+        OpenInfo made;
         made.create(&stack.info, region);
         Model(stack.info, region).expect_of(made);
         EXPECT_EQ(made.get_dt(), seed % 2 == 0 ? vela_dt_double : vela_dt_uint8);
@@ -241,9 +241,9 @@ TEST(DescriptionOfRegionBehaviour, RandomRegionsFollowStepByStep)
     }
 }
 
-BehaviourInfo make_volume()
+OpenInfo make_volume()
 {
-    BehaviourInfo info(Sizes{4, 3, 2});
+    OpenInfo info(Sizes{4, 3, 2});
     info.set_labels({"X", "Y", "Z"});
     info.set_len({8.0, 6.0, 10.0});
     info.set_off({1.0, 2.0, 3.0});
@@ -252,8 +252,8 @@ BehaviourInfo make_volume()
 
 TEST(DescriptionOfRegionBehaviour, BeginCountsInPixelsAndNotInTheirSize)
 {
-    const BehaviourInfo volume = make_volume();
-    BehaviourInfo made;
+    const OpenInfo volume = make_volume();
+    OpenInfo made;
     made.create(&volume, make_region({2, 0, 0}, {4, 3, 2}, {0, 1, 2}));
     EXPECT_EQ(made.get_lengths(), (Doubles{4.0, 6.0, 10.0}));
     EXPECT_EQ(made.get_offsets(), (Doubles{(1.0 - 4.0) + 1.0 + 2.0, 2.0, 3.0}));
@@ -263,8 +263,8 @@ TEST(DescriptionOfRegionBehaviour, BeginCountsInPixelsAndNotInTheirSize)
 
 TEST(DescriptionOfRegionBehaviour, NegativeBeginWrapsInTheOffset)
 {
-    const BehaviourInfo volume = make_volume();
-    BehaviourInfo made;
+    const OpenInfo volume = make_volume();
+    OpenInfo made;
     made.create(&volume, make_region({-2, 0, 0}, {3, 3, 2}, {0, 1, 2}));
     EXPECT_EQ(made.get_length(0), 10.0);
     EXPECT_EQ(made.get_offset(0), -3.0 + static_cast<double>(std::uint64_t{0} - 10) / 4 + 5.0);
@@ -272,7 +272,7 @@ TEST(DescriptionOfRegionBehaviour, NegativeBeginWrapsInTheOffset)
 
 TEST(DescriptionOfRegionBehaviour, CutsAtAnyPlaneGiveThatPlane)
 {
-    const BehaviourInfo volume = make_volume();
+    const OpenInfo volume = make_volume();
     struct Cut
     {
         Sizes permutation;
@@ -292,7 +292,7 @@ TEST(DescriptionOfRegionBehaviour, CutsAtAnyPlaneGiveThatPlane)
             for (std::size_t k = 0; k < 3; ++k)
                 if (std::find(cut.permutation.begin(), cut.permutation.end(), k) == cut.permutation.end())
                     region.begin[k] = plane;
-            BehaviourInfo made;
+            OpenInfo made;
             made.create(&volume, region);
             EXPECT_EQ(made.get_sizes(), cut.sizes);
             EXPECT_EQ(made.get_labels(), cut.labels);
@@ -304,9 +304,9 @@ TEST(DescriptionOfRegionBehaviour, CutsAtAnyPlaneGiveThatPlane)
 
 TEST(DescriptionOfRegionBehaviour, SliceOfAPositionedAxisMovesTheOriginByItsColumn)
 {
-    BehaviourInfo volume = make_volume();
+    OpenInfo volume = make_volume();
     volume.set_col_positions(2, {-7.0, 5.0});
-    BehaviourInfo made;
+    OpenInfo made;
     made.create(&volume, make_region({0, 0, 1}, {4, 3, 2}, {0, 1}));
     EXPECT_EQ(made.get_stack_position().origin[2], 5.0);
     made.create(&volume, make_region({0, 0}, {4, 3}, {0, 1}));
@@ -320,10 +320,10 @@ TEST(DescriptionOfRegionBehaviour, SliceOfAPositionedAxisMovesTheOriginByItsColu
 
 TEST(DescriptionOfRegionBehaviour, UnspecifiedEndIsTheEndOfTheStack)
 {
-    BehaviourInfo volume = make_volume();
+    OpenInfo volume = make_volume();
     volume.set_col_labels(0, {"a", "b", "c", "d"});
     volume.set_col_positions(0, {1, 2, 4, 8});
-    BehaviourInfo made;
+    OpenInfo made;
     made.create(&volume, make_region({-1}, {VStackRegion::unspecified}, {0}));
     EXPECT_EQ(made.get_col_labels(0), (Texts{"", "a", "b", "c", "d"}));
     EXPECT_EQ(made.get_col_positions(0), (Doubles{0, 1, 2, 4, 8}));
@@ -333,8 +333,8 @@ TEST(DescriptionOfRegionBehaviour, UnspecifiedEndIsTheEndOfTheStack)
 
 TEST(DescriptionOfRegionBehaviour, PermutationReadsColumnsOfTheMatrixThatItHasWritten)
 {
-    const BehaviourInfo volume = make_volume();
-    BehaviourInfo made;
+    const OpenInfo volume = make_volume();
+    OpenInfo made;
     made.create(&volume, make_region({0, 0, 0}, {4, 3, 2}, {1, 0, 2}));
     const Doubles expected = {0, 1, 0, 0, 1, 0, 0, 0, 1};
     EXPECT_EQ(static_cast<const Doubles&>(made.get_stack_position().matrix), expected);
@@ -343,8 +343,8 @@ TEST(DescriptionOfRegionBehaviour, PermutationReadsColumnsOfTheMatrixThatItHasWr
 
 TEST(DescriptionOfRegionBehaviour, AxisThatTheStackLacksKeepsItsDefaults)
 {
-    const BehaviourInfo volume = make_volume();
-    BehaviourInfo made;
+    const OpenInfo volume = make_volume();
+    OpenInfo made;
     made.create(&volume, make_region({0, 0, 0, 0}, {4, 3, 2, 2}, {0, 1, 2, 3}));
     EXPECT_EQ(made.get_sizes(), (Sizes{4, 3, 2, 2}));
     EXPECT_EQ(made.get_length(3), 1.0);
@@ -356,11 +356,11 @@ TEST(DescriptionOfRegionBehaviour, AxisThatTheStackLacksKeepsItsDefaults)
 
 TEST(DescriptionOfRegionBehaviour, LabelsThatNoLongerFitTheirAxisAreCopiedAsFarAsTheyGo)
 {
-    BehaviourInfo source(Sizes{4});
+    OpenInfo source(Sizes{4});
     source.set_col_labels(0, {"a", "b", "c", "d"});
     source.set_col_positions(0, {1, 2, 4, 8});
     source.set_sizes({6});
-    BehaviourInfo made;
+    OpenInfo made;
     made.create(&source, make_region({2}, {6}, {0}));
     EXPECT_EQ(made.get_col_labels(0), (Texts{"c", "d", "", ""}));
     EXPECT_EQ(made.get_col_positions(0).size(), 4u);
@@ -368,11 +368,11 @@ TEST(DescriptionOfRegionBehaviour, LabelsThatNoLongerFitTheirAxisAreCopiedAsFarA
 
 TEST(DescriptionOfRegionBehaviour, UnitsAreNotCopied)
 {
-    BehaviourInfo volume = make_volume();
+    OpenInfo volume = make_volume();
     volume.set_units(0, si::value("K"));
     volume.set_data_units(si::value("V"));
     volume.meta_data_string = "raw";
-    BehaviourInfo made;
+    OpenInfo made;
     made.create(&volume, make_region({0}, {4}, {0}));
     EXPECT_FALSE(made.get_units(0).is_compatible(si::value("K")));
     EXPECT_EQ(made.get_data_units(), si::value());
@@ -381,8 +381,8 @@ TEST(DescriptionOfRegionBehaviour, UnitsAreNotCopied)
 
 TEST(DescriptionOfRegionBehaviour, FailuresOfTheRegionAndOfTheTypeComeOut)
 {
-    const BehaviourInfo volume = make_volume();
-    BehaviourInfo made(Sizes{7});
+    const OpenInfo volume = make_volume();
+    OpenInfo made(Sizes{7});
     EXPECT_VELA_ERROR_IN(made.create(&volume, make_region({0, 0}, {1, 1}, {1, 1})), "VStackRegion::validate",
                          "sources/stacks", -15, "Invalid permutation!");
     EXPECT_VELA_ERROR(made.create(&volume, make_region({3}, {1}, {0})), -1, "Called on invalid region!");

@@ -143,14 +143,51 @@ TEST_F(DescriptionOfRegion, CutsColumnLabelsAndPadsThem)
     EXPECT_THAT(info.get_col_labels(2), ElementsAre("", "a", "b", "c", "d", "", ""));
 }
 
-TEST_F(DescriptionOfRegion, ForgetsTheColumnsOfAnotherStack)
+TEST_F(DescriptionOfRegion, KeepsItsOwnColumnsWhereTheStackHasNone)
 {
     info.create(Sizes{8, 6}, vela_dt_uint8);
     info.set_col_positions(0, {1, 2, 3, 4, 5, 6, 7, 8});
     info.set_col_labels(1, {"a", "b", "c", "d", "e", "f"});
     info.create(&source, region_of({0, 0, 0}, {8, 6, 4}, {0, 1}));
+    EXPECT_FALSE(info.is_equidistant(0));
+    EXPECT_THAT(info.get_col_positions(0), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8));
+    EXPECT_THAT(info.get_col_labels(1), ElementsAre("a", "b", "c", "d", "e", "f"));
+    EXPECT_EQ(info.get_length(0), source.get_length(0)) << "that of an equidistant axis";
+}
+
+TEST_F(DescriptionOfRegion, KeepsItsOwnColumnsAlsoWhereTheyDoNotFit)
+{
+    info.create(Sizes{8, 6}, vela_dt_uint8);
+    info.set_col_positions(0, {1, 2, 3, 4, 5, 6, 7, 8});
+    info.set_col_positions(1, {1, 2, 3, 4, 5, 6});
+    info.set_col_labels(1, {"a", "b", "c", "d", "e", "f"});
+    info.create(&source, region_of({0, 0, 0}, {2, 3, 4}, {0, 1, 2}));
+    EXPECT_THAT(info.get_col_labels(1), ElementsAre("a", "b", "c", "d", "e", "f"));
+    EXPECT_EQ(info.get_col_position(1, 2), 3.0);
+    EXPECT_THAT(info.get_col_positions(0), IsEmpty());
+    EXPECT_FALSE(info.is_equidistant(0));
+    EXPECT_VELA_ERROR_IN(info.get_col_position(0, 0), "VStackInfoImp::get_col_position", "sources/stacks", -15,
+                         "Invalid pixel position!");
+    OpenInfo cut;
+    cut.create(&info, region_of({0, 1, 1}, {2, 3, 2}, {0, 1}));
+    EXPECT_THAT(cut.get_col_positions(0), ElementsAre(0, 0));
+    EXPECT_THAT(cut.get_col_labels(1), ElementsAre("b", "c"));
+    info.create(&source, region_of({0, 0, 0}, {1, 8, 4}, {0, 1, 2}));
+    EXPECT_THAT(info.get_col_labels(1), testing::SizeIs(6));
+    EXPECT_VELA_ERROR_IN(info.get_col_position(1, 7), "VStackInfoImp::get_col_position", "sources/stacks", -15,
+                         "Invalid pixel position!");
+}
+
+TEST_F(DescriptionOfRegion, KeepsWhatAGetterFilledOfItsOwnColumns)
+{
+    info.create(Sizes{8}, vela_dt_uint8);
+    info.get_col_positions(0)[0] = 77.0;
+    info.create(&source, region_of({0}, {8}, {0}));
     EXPECT_TRUE(info.is_equidistant(0));
-    EXPECT_THAT(info.get_col_labels(1), IsEmpty());
+    EXPECT_EQ(info.get_col_positions(0).front(), 77.0);
+    info.create(&source, region_of({0}, {5}, {0}));
+    EXPECT_EQ(info.get_col_positions(0).size(), 5U);
+    EXPECT_EQ(info.get_col_positions(0).front(), info.get_col_position(0, 0)) << "another size fills them anew";
 }
 
 TEST_F(DescriptionOfRegion, TakesAxesThatTheStackDoesNotHaveAsTheyAre)
@@ -315,6 +352,10 @@ TEST_F(DescriptionOfRegion, HasLengthsOfTheRegionWhateverCreateMakesOfIt)
 TEST_F(DescriptionOfRegion, IsMadeThroughTheVirtualOperations)
 {
     Watched watched;
+    watched.create(&source, region_of({0, 0, 0}, {8, 6, 4}, {0}));
+    EXPECT_THAT(watched.calls, ElementsAre("create", "set_stack_position")) << "equidistant axes bring no columns";
+    watched.calls.clear();
+    source.set_col_positions(0, {1, 2, 3, 4, 5, 6, 7, 8});
     watched.create(&source, region_of({0, 0, 0}, {8, 6, 4}, {0}));
     EXPECT_THAT(watched.calls, ElementsAre("create", "set_col_positions", "set_stack_position"));
     watched.calls.clear();

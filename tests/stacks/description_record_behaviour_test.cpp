@@ -1,5 +1,5 @@
 /// What can be seen of the OME record of a description: how sizes, lengths and offsets are mirrored, and when not.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_bad_cast.h"
 #include "support/expect_vela_error.h"
 
@@ -11,8 +11,8 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
 using vela_test::Doubles;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 
 constexpr const char* micrometre = "\xc2\xb5m";
@@ -38,7 +38,7 @@ TEST(RecordBehaviour, SizesLandWhereTheOrderSays)
     for (std::size_t row = 0; row < 6; ++row)
     {
         SCOPED_TRACE(orders[row]);
-        BehaviourInfo info(Sizes{4, 3, 2, 5, 6}, order_of(row));
+        OpenInfo info(Sizes{4, 3, 2, 5, 6}, order_of(row));
         auto& record = info.meta_data();
         EXPECT_EQ(record.dimension_order.get(), order_of(row));
         EXPECT_EQ(record.size_x.get(), 4);
@@ -61,7 +61,7 @@ TEST(RecordBehaviour, WithoutAnOrderIsLaidOutAsXYZTCAndTheSlotStays)
 {
     for (const char* text : {"", "ZYX"})
     {
-        BehaviourInfo info(Sizes{1}, Ome::DimensionOrder::XYCTZ);
+        OpenInfo info(Sizes{1}, Ome::DimensionOrder::XYCTZ);
         info.meta_data().dimension_order = Json::Value();
         if (*text != '\0')
             info.meta_data().dimension_order.slot() = text;
@@ -78,14 +78,14 @@ TEST(RecordBehaviour, WithoutAnOrderIsLaidOutAsXYZTCAndTheSlotStays)
 
 TEST(RecordBehaviour, OneWithoutAxesHasSizesOfOneAndOneOfARankHasNone)
 {
-    BehaviourInfo flat;
+    OpenInfo flat;
     EXPECT_EQ(flat.meta_data().size_x.get(), 1);
     EXPECT_EQ(flat.meta_data().size_c.get(), 1);
     EXPECT_EQ(flat.meta_data().planes.size(), 1u);
     EXPECT_TRUE(flat.meta_data().type.is_null());
     EXPECT_EQ(flat.meta_data().dimension_order.get(), Ome::DimensionOrder::XYZTC);
     EXPECT_TRUE(flat.meta_data().id.is_null());
-    BehaviourInfo ranked(3);
+    OpenInfo ranked(3);
     EXPECT_TRUE(ranked.meta_data().size_x.is_null());
     EXPECT_TRUE(ranked.meta_data().planes.empty());
     EXPECT_TRUE(ranked.meta_data().type.is_null());
@@ -94,7 +94,7 @@ TEST(RecordBehaviour, OneWithoutAxesHasSizesOfOneAndOneOfARankHasNone)
 
 TEST(RecordBehaviour, SizesWithAZeroLeaveIt)
 {
-    BehaviourInfo info(Sizes{4, 3, 2});
+    OpenInfo info(Sizes{4, 3, 2});
     info.set_sizes({8, 8, 0});
     EXPECT_EQ(info.meta_data().size_x.get(), 4);
     EXPECT_EQ(info.meta_data().planes.size(), 2u);
@@ -105,7 +105,7 @@ TEST(RecordBehaviour, SizesWithAZeroLeaveIt)
 
 TEST(RecordBehaviour, NameAndDescriptionLiveThereAlone)
 {
-    BehaviourInfo info(Sizes{4});
+    OpenInfo info(Sizes{4});
     info.set_name("a");
     info.set_description("b");
     EXPECT_EQ(info.meta_data().name.get(), "a");
@@ -119,7 +119,7 @@ TEST(RecordBehaviour, NameAndDescriptionLiveThereAlone)
 }
 
 /// Enters a length or an offset of one axis, by the form on one axis or by that on a vector.
-void set_one(BehaviourInfo& info, bool as_vector, bool length, std::uint64_t axis, double number)
+void set_one(OpenInfo& info, bool as_vector, bool length, std::uint64_t axis, double number)
 {
     Doubles numbers = length ? info.get_lengths() : info.get_offsets();
     numbers.resize(axis + 1);
@@ -140,7 +140,7 @@ TEST(RecordBehaviour, LengthsAreMirroredOnXYZAndTAndRefusedOnC)
         for (std::uint64_t d = 0; d < 5; ++d)
         {
             SCOPED_TRACE(std::string(orders[row]) + " " + std::to_string(d));
-            BehaviourInfo info(Sizes{4, 3, 2, 5, 6}, order_of(row));
+            OpenInfo info(Sizes{4, 3, 2, 5, 6}, order_of(row));
             auto& record = info.meta_data();
             const double size = static_cast<double>(info.get_dimension_size(d));
             const char letter = orders[row][d];
@@ -173,7 +173,7 @@ TEST(RecordBehaviour, LengthsAreMirroredOnXYZAndTAndRefusedOnC)
 
 TEST(RecordBehaviour, UnitIsGuessedFromTheLength)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_len(0, 0.01);
     info.set_len(1, 0.02);
     EXPECT_EQ(info.meta_data().physical_size_x_unit.get(), "m");
@@ -188,7 +188,7 @@ TEST(RecordBehaviour, RefusedNumbersAreStoredAndLeaveTheRecord)
     for (const bool as_vector : {false, true})
         for (const double length : {-3.0, std::numeric_limits<double>::quiet_NaN()})
         {
-            BehaviourInfo info(Sizes{4, 3});
+            OpenInfo info(Sizes{4, 3});
             info.set_len(0, 8.0);
             EXPECT_BAD_CAST(set_one(info, as_vector, true, 0, length));
             EXPECT_EQ(std::isnan(info.get_length(0)), std::isnan(length));
@@ -201,7 +201,7 @@ TEST(RecordBehaviour, TimesThatAreNotAboveZeroAreRefusedBehindTheOffset)
 {
     for (const bool as_vector : {false, true})
     {
-        BehaviourInfo info(Sizes{4, 3, 1, 5});
+        OpenInfo info(Sizes{4, 3, 1, 5});
         info.set_len(3, 10.0);
         set_one(info, as_vector, false, 3, 8.0);
         EXPECT_EQ(info.meta_data().planes[0]->delta_t.get(), 4.0);
@@ -217,7 +217,7 @@ TEST(RecordBehaviour, TimesThatAreNotAboveZeroAreRefusedBehindTheOffset)
 
 TEST(RecordBehaviour, VectorStopsInTheRecordAtTheAxisThatFails)
 {
-    BehaviourInfo info(Sizes{4, 3, 2, 5, 6}, Ome::DimensionOrder::XYCZT);
+    OpenInfo info(Sizes{4, 3, 2, 5, 6}, Ome::DimensionOrder::XYCZT);
     EXPECT_THROW_TEXT(info.set_len({8.0, 6.0, 4.0, 10.0, 12.0}), std::invalid_argument, no_dimension);
     EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0, 4.0, 10.0, 12.0}));
     EXPECT_EQ(info.meta_data().physical_size_x.get(), 2.0);
@@ -232,7 +232,7 @@ TEST(RecordBehaviour, VectorStopsInTheRecordAtTheAxisThatFails)
 
 TEST(RecordBehaviour, VectorLongerThanTheRankGoesThereWhole)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_len({8.0, 6.0, 5.0, 7.0});
     EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0}));
     EXPECT_EQ(info.meta_data().physical_size_z.get(), 5.0) << "its size is 1";
@@ -242,15 +242,15 @@ TEST(RecordBehaviour, VectorLongerThanTheRankGoesThereWhole)
     EXPECT_THROW_TEXT(info.set_len({4.0, 3.0, 2.0, 1.0, 1.0}), std::invalid_argument, no_dimension);
     EXPECT_EQ(info.get_lengths(), (Doubles{4.0, 3.0}));
     EXPECT_EQ(info.meta_data().physical_size_z.get(), 2.0);
-    BehaviourInfo channels(Sizes{4, 3}, Ome::DimensionOrder::XYCZT);
+    OpenInfo channels(Sizes{4, 3}, Ome::DimensionOrder::XYCZT);
     EXPECT_THROW_TEXT(channels.set_off({4.0, 3.0, 2.0}), std::invalid_argument, no_dimension);
     EXPECT_EQ(channels.get_offsets(), (Doubles{4.0, 3.0}));
 }
 
 /// A volume that is still to come, X 8.0 long and at -1.0, Z 30.0 long and at 3.0.
-BehaviourInfo make_waiting(bool as_vectors)
+OpenInfo make_waiting(bool as_vectors)
 {
-    BehaviourInfo info(3);
+    OpenInfo info(3);
     set_one(info, as_vectors, true, 0, 8.0);
     set_one(info, as_vectors, true, 1, 6.0);
     set_one(info, as_vectors, true, 2, 30.0);
@@ -264,12 +264,12 @@ TEST(RecordBehaviour, LengthsAndOffsetsWaitForElements)
 {
     for (const bool as_vectors : {false, true})
     {
-        BehaviourInfo info = make_waiting(as_vectors);
+        OpenInfo info = make_waiting(as_vectors);
         EXPECT_EQ(info.get_lengths(), (Doubles{8.0, 6.0, 30.0}));
         EXPECT_EQ(info.get_offsets(), (Doubles{-1.0, 0.0, 3.0}));
         EXPECT_TRUE(info.meta_data().size_x.is_null());
-        BehaviourInfo copy(info);
-        for (BehaviourInfo* each : {&info, &copy})
+        OpenInfo copy(info);
+        for (OpenInfo* each : {&info, &copy})
         {
             each->set_variable_size(5);
             auto& record = each->meta_data();
@@ -284,11 +284,84 @@ TEST(RecordBehaviour, LengthsAndOffsetsWaitForElements)
     }
 }
 
+TEST(RecordBehaviour, ChannelAxisIsRefusedAlsoWithoutElements)
+{
+    for (std::size_t row = 0; row < 6; ++row)
+        for (std::uint64_t d = 0; d < 5; ++d)
+        {
+            SCOPED_TRACE(std::string(orders[row]) + " " + std::to_string(d));
+            OpenInfo info(Sizes{4, 3, 2, 5, 0}, order_of(row));
+            if (orders[row][d] != 'C')
+            {
+                info.set_len(d, 5.0);
+                info.set_off(d, 6.0);
+                continue;
+            }
+            EXPECT_THROW_TEXT(info.set_len(d, 5.0), std::invalid_argument, no_dimension);
+            EXPECT_EQ(info.get_length(d), 5.0);
+            EXPECT_THROW_TEXT(info.set_off(d, 6.0), std::invalid_argument, no_dimension);
+            EXPECT_EQ(info.get_offset(d), 6.0);
+        }
+}
+
+TEST(RecordBehaviour, VectorWithTheChannelAxisIsTakenAndRefusedWithoutElements)
+{
+    OpenInfo info(Sizes{4, 3, 0}, Ome::DimensionOrder::XYCZT);
+    EXPECT_THROW_TEXT(info.set_len(Doubles(6, 2.0)), std::invalid_argument, no_dimension);
+    EXPECT_EQ(info.get_lengths(), (Doubles{2.0, 2.0, 2.0}));
+    EXPECT_THROW_TEXT(info.set_off(Doubles(3, 7.0)), std::invalid_argument, no_dimension);
+    EXPECT_EQ(info.get_offsets(), (Doubles{7.0, 7.0, 7.0}));
+    info.set_len(Doubles(2, 8.0));
+    OpenInfo line(Sizes{0});
+    line.set_len(Doubles(4, 2.0));
+    EXPECT_THROW_TEXT(line.set_len(Doubles(5, 3.0)), std::invalid_argument, no_dimension);
+    EXPECT_EQ(line.get_lengths(), Doubles{3.0});
+    info.set_variable_size(2);
+    EXPECT_EQ(info.meta_data().physical_size_x.get(), 2.0) << "what waited is entered all the same";
+    EXPECT_EQ(info.meta_data().planes[1]->position_x.get(), 7.0);
+}
+
+TEST(RecordBehaviour, StoredLengthsAndOffsetsOfTheChannelAxisAreNoFailureWithoutElements)
+{
+    OpenInfo source(Sizes{4, 3, 0}, Ome::DimensionOrder::XYCZT);
+    source.store_lengths(Doubles{8.0, 6.0, 5.0});
+    source.store_offsets(Doubles{1.0, 2.0, 3.0});
+    OpenInfo copy(Sizes{}, Ome::DimensionOrder::XYCZT);
+    copy.create(&source, 0);
+    OpenInfo cut(Sizes{}, Ome::DimensionOrder::XYCZT);
+    VStackRegion region;
+    region.create(&source, 0);
+    cut.create(&source, region);
+    EXPECT_EQ(copy.get_lengths(), (Doubles{8.0, 6.0, 5.0}));
+    EXPECT_EQ(copy.get_offsets(), (Doubles{1.0, 2.0, 3.0}));
+    EXPECT_EQ(cut.get_lengths(), (Doubles{8.0, 6.0, 1.0})) << "an axis of no pixels has the length 1";
+}
+
+TEST(RecordBehaviour, OffsetsThatWaitedReachOnlyThePlanesOfTheFirstGrowth)
+{
+    OpenInfo info(Sizes{4, 3, 0});
+    info.set_len(2, 30.0);
+    info.set_off({-1.0, 2.0, 3.0});
+    info.set_variable_size(1);
+    info.set_variable_size(5);
+    auto& planes = info.meta_data().planes;
+    ASSERT_EQ(planes.size(), 5u);
+    EXPECT_EQ(planes[0]->position_x.get(), -1.0);
+    EXPECT_EQ(planes[0]->position_y.get(), 2.0);
+    EXPECT_EQ(planes[0]->position_z.get(), 3.0) << "the middle of one plane";
+    for (std::size_t plane = 1; plane < 5; ++plane)
+    {
+        EXPECT_TRUE(planes[plane]->position_x.is_null()) << plane;
+        EXPECT_TRUE(planes[plane]->position_y.is_null()) << plane;
+        EXPECT_TRUE(planes[plane]->position_z.is_null()) << plane;
+    }
+}
+
 TEST(RecordBehaviour, LengthsThatWaitedFollowAStackThatGrows)
 {
     for (const bool as_vectors : {false, true})
     {
-        BehaviourInfo info = make_waiting(as_vectors);
+        OpenInfo info = make_waiting(as_vectors);
         for (const std::uint64_t size : {1u, 2u, 5u})
         {
             info.set_variable_size(size);
@@ -301,7 +374,7 @@ TEST(RecordBehaviour, LengthsThatWaitedFollowAStackThatGrows)
 
 TEST(RecordBehaviour, WhatItCannotExpressIsNoFailureWhenElementsCome)
 {
-    BehaviourInfo info(Sizes{4, 3, 2, 5, 0}, Ome::DimensionOrder::XYCZT);
+    OpenInfo info(Sizes{4, 3, 2, 5, 0}, Ome::DimensionOrder::XYCZT);
     info.set_len(0, -3.0);
     info.set_len(4, 30.0);
     info.set_off(4, 0.0);

@@ -12,6 +12,7 @@
 #include <random>
 #include <string>
 #include <typeinfo>
+#include <utility>
 
 using vela_test::Doubles;
 using vela_test::OpenInfo;
@@ -89,6 +90,89 @@ TEST(GrowingStack, DoesNotMindUnsetTextsThatWereRead)
     EXPECT_EQ(plane_list(info).filled_count(), 1U) << "planes that nobody has seen are not made for it";
 }
 
+TEST(GrowingStack, LaysOutAllPlanesOnlyOnceSomebodyHasGotTheirList)
+{
+    OpenInfo info({4, 5, 1, 0});
+    for (std::uint64_t frame = 0; frame < 6; ++frame)
+    {
+        info.set_variable_size(frame + 1);
+        info.meta_data().planes[frame]->delta_t = 1.5;
+    }
+    info.set_variable_size(6);
+    plane_list(info).at(2).at("TheT") = 77;
+    info.set_variable_size(7);
+    EXPECT_EQ(plane_list(info).at(2).at("TheT"), Json::Value(77)) << "nobody has looked at this plane";
+    plane_list(info).as_list();
+    info.set_variable_size(8);
+    EXPECT_EQ(plane_list(info).at(2).at("TheT"), Json::Value(2));
+    plane_list(info).at(2).at("TheT") = 77;
+    info.set_variable_size(9);
+    EXPECT_EQ(plane_list(info).at(2).at("TheT"), Json::Value(2));
+}
+
+/// Puts an element of its own in the place of one in the middle.
+void replace_in_the_middle(Json::Value::List& list)
+{
+    if (list.size() < 3)
+        return;
+    const auto middle = std::next(list.begin(), static_cast<std::ptrdiff_t>(list.size() / 2));
+    list.emplace(list.erase(middle));
+}
+
+/// Whether every plane is found, and in its place.
+bool has_all_planes(OpenInfo& info)
+{
+    Image& image = info.meta_data();
+    for (std::size_t plane = 0; plane < image.planes.size(); ++plane)
+        if (image.planes[plane]->the_t.get() != static_cast<std::int64_t>(plane) ||
+            &image.planes[plane]->structure.slot() != &plane_list(info).at(plane))
+            return false;
+    return image.planes.size() == info.get_sizes().back();
+}
+
+TEST(GrowingStack, FindsItsPlanesWhereTheTreeHasOthersInTheMiddle)
+{
+    OpenInfo info({4, 5, 1, 0});
+    info.set_variable_size(6);
+    replace_in_the_middle(plane_list(info).as_list());
+    info.set_variable_size(7);
+    EXPECT_TRUE(has_all_planes(info));
+}
+
+TEST(GrowingStack, FindsItsPlanesWhereSomebodyHoldsTheirList)
+{
+    OpenInfo info({4, 5, 1, 0});
+    info.set_variable_size(6);
+    Json::Value::List& list = *plane_list(info).if_list();
+    for (std::uint64_t size = 7; size < 10; ++size)
+    {
+        info.set_variable_size(size);
+        EXPECT_TRUE(has_all_planes(info)) << size;
+        replace_in_the_middle(list);
+    }
+    info.set_variable_size(10);
+    EXPECT_TRUE(has_all_planes(info));
+    replace_in_the_middle(plane_list(info).fill_list(10));
+    info.set_variable_size(11);
+    EXPECT_TRUE(has_all_planes(info));
+}
+
+TEST(GrowingStack, FindsItsPlanesWhereTheTreeHasAnotherList)
+{
+    OpenInfo info({4, 5, 1, 0});
+    info.set_variable_size(6);
+    EXPECT_TRUE(has_all_planes(info));
+    const Json::Value planes(plane_list(info));
+    plane_list(info) = Json::Value();
+    plane_list(info) = planes;
+    info.set_variable_size(7);
+    EXPECT_TRUE(has_all_planes(info));
+    Json::Value moved(std::move(plane_list(info)));
+    plane_list(info) = std::move(moved);
+    info.set_variable_size(8);
+    EXPECT_TRUE(has_all_planes(info));
+}
+
 TEST(CreatedStack, DoesNotMindUnsetTextsThatWereRead)
 {
     OpenInfo info({4, 5, 2});
@@ -123,7 +207,7 @@ public:
             return change_plane();
         if (choice < 18)
             return change_image();
-        return change_tree();
+        return below(2) == 0 ? change_tree() : replace_in_tree();
     }
 
     bool is_same()
@@ -220,6 +304,15 @@ private:
         default:
             return both("insert", [](OpenInfo& info) { plane_list(info).as_list().emplace_front(); });
         }
+    }
+
+    /// Records of planes that are gone must not be asked before the planes are laid out again.
+    std::string replace_in_tree()
+    {
+        const std::string what =
+            below(2) == 0 ? both("middle", [](OpenInfo& info) { replace_in_the_middle(plane_list(info).as_list()); })
+                          : both("list", [](OpenInfo& info) { plane_list(info) = Json::Value(plane_list(info)); });
+        return what + "; " + grow(1 + below(12));
     }
 
     std::mt19937 random;

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <VelaStacks/VStackInfo.h>
+#include <VelaStacks/VStackRegion.h>
 
-#include <boost/shared_ptr.hpp>
-
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,10 +18,13 @@ class OpenInfo : public VStackInfoImp
 {
 public:
     using VStackInfoImp::VStackInfoImp;
+
+    OpenInfo() = default;
     explicit OpenInfo(const Sizes& new_sizes, vela_dt new_dt = vela_dt_uint8) : VStackInfoImp(new_sizes.size())
     {
         create(new_sizes, new_dt);
     }
+    OpenInfo(const Sizes& new_sizes, Ome::DimensionOrder order) : VStackInfoImp(Ome::Type::uint8, new_sizes, order) {}
 
     using VStackInfoImp::locked;
     using VStackInfoImp::meta_data_string;

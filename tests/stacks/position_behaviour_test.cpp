@@ -1,5 +1,5 @@
 /// What can be seen of positions, and of how descriptions hold them.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_vela_error.h"
 
 #include <VelaStacks/VStackPosition.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using Extents = std::vector<std::size_t>;
 
@@ -88,7 +88,7 @@ TEST(PositionBehaviour, MoreAxesThanGlobalOnesFailAndLeaveThePosition)
     position.origin[3] = 9.0;
     EXPECT_VELA_ERROR_IN(position.create(Sizes{1, 1, 1}, 2), "VStackPosition::create", "sources/stacks", -1,
                          "Rank cannot be larger than the number of global axes!");
-    const BehaviourInfo info(Sizes{1, 1});
+    const OpenInfo info(Sizes{1, 1});
     EXPECT_VELA_ERROR_IN(position.create(&info, 1), "VStackPosition::create", "sources/stacks", -1,
                          "Rank cannot be larger than the number of global axes!");
     EXPECT_EQ(position.origin[3], 9.0);
@@ -97,7 +97,7 @@ TEST(PositionBehaviour, MoreAxesThanGlobalOnesFailAndLeaveThePosition)
 
 TEST(PositionBehaviour, CreateOnAStackTakesTheLabelsOfItsAxes)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_labels({"X", "H\xc3\xb6he"});
     VStackPosition position;
     position.create(&info, 0);
@@ -116,16 +116,16 @@ TEST(PositionBehaviour, IsValidForTheRankItWasMadeFor)
     position.create(Sizes{1, 1}, 3);
     for (std::uint64_t rank = 0; rank < 5; ++rank)
     {
-        const BehaviourInfo info(rank);
+        const OpenInfo info(rank);
         EXPECT_EQ(position.is_valid_for(&info), rank == 2) << rank;
     }
-    const BehaviourInfo flat(0);
+    const OpenInfo flat(0);
     EXPECT_TRUE(VStackPosition().is_valid_for(&flat));
 }
 
 TEST(PositionBehaviour, IsNotValidWithArraysOfOtherShapes)
 {
-    const BehaviourInfo info(2);
+    const OpenInfo info(2);
     VStackPosition good;
     good.create(&info, 3);
     EXPECT_TRUE(good.is_valid_for(&info));
@@ -162,7 +162,7 @@ TEST(PositionBehaviour, IsNotValidWithArraysOfOtherShapes)
 
 TEST(PositionBehaviour, IsNotValidWhenElementsCameOrWent)
 {
-    const BehaviourInfo info(2);
+    const OpenInfo info(2);
     VStackPosition position;
     position.create(&info, 0);
     position.origin.push_back(1.0);
@@ -179,7 +179,7 @@ TEST(PositionBehaviour, IsNotValidWhenElementsCameOrWent)
 
 TEST(PositionBehaviour, DescriptionMakesItsPositionWhenAskedAndKeepsIt)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.set_labels({"X", "Y"});
     expect_identity(info.get_stack_position(), 2, 2);
     EXPECT_EQ(info.get_stack_position().labels[0], L"X");
@@ -194,7 +194,7 @@ TEST(PositionBehaviour, DescriptionMakesItsPositionWhenAskedAndKeepsIt)
 
 TEST(PositionBehaviour, DescriptionOfAnotherRankRebuildsAGivenPosition)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     VStackPosition position;
     position.create(&info, 3);
     position.origin[2] = 5.0;
@@ -207,7 +207,7 @@ TEST(PositionBehaviour, DescriptionOfAnotherRankRebuildsAGivenPosition)
 
 TEST(PositionBehaviour, DescriptionRefusesAPositionOfAnotherRankAndKeepsItsOwn)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     VStackPosition position;
     position.create(&info, 3);
     position.origin[2] = 5.0;
@@ -221,7 +221,7 @@ TEST(PositionBehaviour, DescriptionRefusesAPositionOfAnotherRankAndKeepsItsOwn)
 
 TEST(PositionBehaviour, LockedDescriptionTakesAValidPositionAndRefusesAnother)
 {
-    BehaviourInfo info(Sizes{4, 3});
+    OpenInfo info(Sizes{4, 3});
     info.locked = true;
     VStackPosition position;
     position.create(&info, 0);

@@ -1,5 +1,5 @@
 /// What can be seen of regions: the boxes and sizes that requests give, and every way in which they fail.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_vela_error.h"
 
 #include <VelaStacks/VStackRegion.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using Pixels = std::vector<std::int64_t>;
 
@@ -98,7 +98,7 @@ TEST(RegionBehaviour, CreateOnSizesGivesTheWholeBoxInOrder)
 
 TEST(RegionBehaviour, CreateOnAStackTakesItsSizesAndItsTypeIfNoneIsNamed)
 {
-    const BehaviourInfo info(Sizes{4, 5});
+    const OpenInfo info(Sizes{4, 5});
     VStackRegion region;
     region.create(&info, 0);
     EXPECT_EQ(region.dt, vela_dt_uint8);
@@ -158,7 +158,7 @@ TEST(RegionBehaviour, EmptinessComparesOnlyAxesThatBothVectorsHave)
 
 TEST(RegionBehaviour, OfAWholeStackIsExactAndGivesItsSizes)
 {
-    const BehaviourInfo info(Sizes{4, 3, 2});
+    const OpenInfo info(Sizes{4, 3, 2});
     VStackRegion region;
     region.create(&info, 0);
     const Resolved r = resolve(region, info);
@@ -199,7 +199,7 @@ TEST_P(RegionRequest, ResolvesAsStated)
 {
     const Request& q = GetParam();
     SCOPED_TRACE(q.what);
-    const BehaviourInfo info(q.stack);
+    const OpenInfo info(q.stack);
     const Resolved r = resolve(q.region, info);
     EXPECT_EQ(r.sizes, q.sizes);
     EXPECT_EQ(r.exact, q.exact);
@@ -305,7 +305,7 @@ INSTANTIATE_TEST_SUITE_P(All, RegionRequest, ::testing::ValuesIn(requests));
 
 TEST(RegionBehaviour, BehindTheStackBothBoxesAreEmpty)
 {
-    const BehaviourInfo info(Sizes{4});
+    const OpenInfo info(Sizes{4});
     const Resolved r = resolve(make_region({7}, {9}, {0}), info);
     EXPECT_TRUE(r.source.is_empty());
     EXPECT_TRUE(r.target.is_empty());
@@ -313,7 +313,7 @@ TEST(RegionBehaviour, BehindTheStackBothBoxesAreEmpty)
 
 TEST(RegionBehaviour, SliceOutsideIsAnEmptySourceThatStaysExact)
 {
-    const BehaviourInfo info(Sizes{4, 3});
+    const OpenInfo info(Sizes{4, 3});
     const Resolved r = resolve(make_region({0, 3}, {4, 4}, {0}), info);
     EXPECT_TRUE(r.exact);
     EXPECT_TRUE(r.source.is_empty());
@@ -321,7 +321,7 @@ TEST(RegionBehaviour, SliceOutsideIsAnEmptySourceThatStaysExact)
 
 TEST(RegionBehaviour, UnspecifiedEndBeyondTheRankIsOnePixelFromBegin)
 {
-    const BehaviourInfo info(Sizes{4});
+    const OpenInfo info(Sizes{4});
     for (const std::int64_t begin : {-7, -1, 0, 1, 12})
     {
         const Resolved r = resolve(make_region({0, begin}, {4, unspecified}, {0, 1}), info);
@@ -333,7 +333,7 @@ TEST(RegionBehaviour, UnspecifiedEndBeyondTheRankIsOnePixelFromBegin)
 
 TEST(RegionBehaviour, BoxOnAMissingAxisIsEmptyUnlessItHoldsPixelZero)
 {
-    const BehaviourInfo info(Sizes{4});
+    const OpenInfo info(Sizes{4});
     struct Case
     {
         std::int64_t begin, end;
@@ -357,7 +357,7 @@ TEST(RegionBehaviour, BoxOnAMissingAxisIsEmptyUnlessItHoldsPixelZero)
 
 TEST(RegionBehaviour, FarthestPixelsAreResolvedWithoutOverflow)
 {
-    const BehaviourInfo info(Sizes{4});
+    const OpenInfo info(Sizes{4});
     Resolved r = resolve(make_region({lowest}, {-5}, {0}), info);
     EXPECT_EQ(r.sizes, Sizes{0x8000000000000000u - 5});
     EXPECT_FALSE(r.exact);
@@ -376,7 +376,7 @@ TEST(RegionBehaviour, FarthestPixelsAreResolvedWithoutOverflow)
 
 TEST(RegionBehaviour, RegionOfAStackWithoutAxesIsExact)
 {
-    const BehaviourInfo info;
+    const OpenInfo info;
     const Resolved r = resolve(VStackRegion(), info);
     EXPECT_TRUE(r.sizes.empty());
     EXPECT_TRUE(r.exact);

@@ -1,12 +1,12 @@
 /// Every way in which a region cannot be resolved.
-#include "behaviour_info.h"
+#include "open_info.h"
 #include "support/expect_vela_error.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using vela_test::BehaviourInfo;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using Pixels = std::vector<std::int64_t>;
 
@@ -23,7 +23,7 @@ VStackRegion make_region(const Pixels& begin, const Pixels& end, const Sizes& pe
 
 TEST(RegionBehaviour, BeginAndEndOfDifferentLengthsAreInvalid)
 {
-    const BehaviourInfo info(Sizes{4, 3});
+    const OpenInfo info(Sizes{4, 3});
     bool exact = false;
     for (const VStackRegion& region :
          {make_region({0, 0}, {4}, {0}), make_region({0}, {4, 3}, {0}), make_region({}, {4}, {9})})
@@ -33,7 +33,7 @@ TEST(RegionBehaviour, BeginAndEndOfDifferentLengthsAreInvalid)
 
 TEST(RegionBehaviour, EndBeforeBeginIsInvalidOnEveryAxis)
 {
-    const BehaviourInfo info(Sizes{4, 3});
+    const OpenInfo info(Sizes{4, 3});
     bool exact = false;
     const VStackRegion regions[] = {
         make_region({2, 0}, {1, 3}, {0, 1}),           make_region({0, 2}, {4, 1}, {0}),
@@ -47,7 +47,7 @@ TEST(RegionBehaviour, EndBeforeBeginIsInvalidOnEveryAxis)
 
 TEST(RegionBehaviour, AxisNamedTwiceOrBeyondBeginIsAnInvalidPermutation)
 {
-    const BehaviourInfo info(Sizes{4, 3});
+    const OpenInfo info(Sizes{4, 3});
     bool exact = false;
     const VStackRegion regions[] = {
         make_region({0, 0}, {4, 3}, {0, 0}),          make_region({0, 0}, {4, 3}, {1, 0, 1}),
@@ -62,7 +62,7 @@ TEST(RegionBehaviour, AxisNamedTwiceOrBeyondBeginIsAnInvalidPermutation)
 
 TEST(RegionBehaviour, FailureLeavesTheRegionItself)
 {
-    const BehaviourInfo info(Sizes{4, 3});
+    const OpenInfo info(Sizes{4, 3});
     const VStackRegion region = make_region({0, 1}, {4, 3}, {0, 0});
     VStackRegion source, target;
     bool exact = false;

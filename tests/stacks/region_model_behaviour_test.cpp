@@ -1,5 +1,5 @@
 /// Regions against a plain model that walks every pixel: what of the output a stack can feed.
-#include "behaviour_info.h"
+#include "open_info.h"
 
 #include <VelaStacks/VStackRegion.h>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-using vela_test::BehaviourInfo;
+using vela_test::OpenInfo;
 using vela_test::Sizes;
 using Pixels = std::vector<std::int64_t>;
 

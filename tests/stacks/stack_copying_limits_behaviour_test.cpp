@@ -140,7 +140,11 @@ std::string text_of(const VStackImp& stack)
                 std::to_string(stack.get_length(axis)) + " " + std::to_string(stack.get_offset(axis));
         for (const std::string& label : stack.get_col_labels(axis))
             text += " " + label;
-        for (std::uint64_t column = 0; column < stack.get_dimension_size(axis); ++column)
+        text += stack.is_equidistant(axis) ? " equidistant" : " at";
+        // Positions that do not fit the axis any more are none.
+        const std::uint64_t known =
+            stack.is_equidistant(axis) ? stack.get_dimension_size(axis) : stack.get_col_positions(axis).size();
+        for (std::uint64_t column = 0; column < known; ++column)
             text += " " + std::to_string(stack.get_col_position(axis, column));
     }
     const VStackPosition& position = stack.get_stack_position();

@@ -139,6 +139,14 @@ public:
         return position;
     }
 
+    /// Bytes that are built elsewhere. Returns their position.
+    std::uint64_t append(const Bytes& more)
+    {
+        const std::uint64_t position = content.size();
+        append_bytes(content, more);
+        return position;
+    }
+
     /// Bytes that belong to no record.
     VbfBytes& gap(std::size_t size_bytes)
     {

@@ -1,6 +1,5 @@
 #include "info.h"
 
-#include "scanned_file.h"
 #include "stack_shape.h"
 #include "text.h"
 
@@ -99,28 +98,72 @@ std::string describe(const VBFChainEntry& stack, std::size_t index)
     return result;
 }
 
-/// Nothing for a file that opens.
-std::string state_text(ScannedFile& input)
+/// "X, Y in m, Z": nothing where no axis has a label or unit.
+std::string axes_text(const std::vector<AxisDetails>& axes)
 {
-    const std::optional<std::string> failure = input.get_open_failure();
+    std::string result;
+    bool any = false;
+    for (const AxisDetails& axis : axes)
+    {
+        any = any || !axis.label.empty() || !axis.unit.empty() || !axis.equidistant;
+        result += result.empty() ? "" : ", ";
+        result += axis.label.empty() ? "-" : axis.label;
+        if (!axis.unit.empty())
+            result += " in " + axis.unit;
+        if (!axis.equidistant)
+            result += " (columns at positions of their own)";
+    }
+    return any ? result : "";
+}
+
+std::string column_text(const std::vector<std::string>& labels)
+{
+    std::string result;
+    for (const std::string& label : labels)
+        result += (result.empty() ? "" : ", ") + label;
+    return result;
+}
+
+/// What only an open file tells.
+std::string describe(const StackDetails& details)
+{
+    std::string result = line("axes", axes_text(details.axes));
+    for (std::size_t axis = 0; axis < details.axes.size(); ++axis)
+        result += line("columns " + std::to_string(axis), column_text(details.axes[axis].col_labels));
+    if (details.count_flush_points != 0)
+        result += line("flush points", std::to_string(details.count_flush_points) + ", one each " +
+                                           std::to_string(details.flush_block_bytes) + " bytes");
+    for (const auto& [key, text] : details.tags)
+        result += line("tag", std::string(key).append("=").append(text));
+    return result;
+}
+
+/// Nothing for a file that opens.
+std::string state_text(const Listing& listing)
+{
+    const std::optional<std::string>& failure = listing.details.open_failure;
     if (!failure)
         return "";
     const std::string why = "does not open (" + *failure + ")";
-    return input.is_not_closed() ? "was not closed, " + why : why;
+    return listing.not_closed ? "was not closed, " + why : why;
 }
 
 } // namespace
 
-std::string info_as_text(const std::string& path, ScannedFile& input)
+std::string info_as_text(const std::string& path, const Listing& listing)
 {
-    const VBFChain& chain = input.get_chain();
+    const VBFChain& chain = listing.chain;
     const std::size_t count_stacks = chain.stacks.size();
     std::string result = terminal_safe(path) + "\n";
     result += line("description", chain.file.description);
     result += line("format", "VBF version " + std::to_string(chain.file.header.format_version));
-    result += line("state", state_text(input));
+    result += line("state", state_text(listing));
     result += line("stacks", std::to_string(count_stacks));
     for (std::size_t index = 0; index < count_stacks; ++index)
+    {
         result += describe(chain.stacks[index], index);
+        if (index < listing.details.stacks.size())
+            result += describe(listing.details.stacks[index]);
+    }
     return result;
 }

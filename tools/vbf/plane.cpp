@@ -5,9 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace {
-
-void check_extent(const Plane& plane)
+void check_drawable(const Plane& plane)
 {
     const bool drawable = plane.width <= Plane::max_extent && plane.height <= Plane::max_extent &&
                           plane.get_count_samples() <= Plane::max_samples;
@@ -18,8 +16,6 @@ void check_extent(const Plane& plane)
                                  std::to_string(Plane::max_extent) + " in a row or column.");
 }
 
-} // namespace
-
 Plane find_plane(const VBFStackHeader& header, std::optional<std::uint64_t> number)
 {
     const std::vector<std::uint32_t> sizes = StackShape(header).sizes;
@@ -28,7 +24,6 @@ Plane find_plane(const VBFStackHeader& header, std::optional<std::uint64_t> numb
         throw std::runtime_error("The stack has no samples.");
 
     Plane plane = {sizes.empty() ? 1 : sizes[0], sizes.size() < 2 ? 1 : sizes[1], 0};
-    check_extent(plane);
     const std::uint64_t count_planes = count_samples / plane.get_count_samples();
     const std::uint64_t chosen = number.value_or(count_planes / 2);
     if (chosen >= count_planes)

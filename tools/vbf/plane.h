@@ -24,6 +24,9 @@ struct Plane
 /// The plane `number` counted through all further dimensions, the middle one without a number.
 /// A stack of one dimension is one row, one without dimensions a single sample.
 ///
-/// @throws std::runtime_error: the stack has no such plane, no samples, or a plane beyond the limits.
+/// @throws std::runtime_error: the stack has no such plane, or no samples.
 /// @throws VelaError id -1 "The product exceeds the maximum size."
 Plane find_plane(const VBFStackHeader& header, std::optional<std::uint64_t> number);
+
+/// @throws std::runtime_error: the plane is beyond the limits for a picture.
+void check_drawable(const Plane& plane);

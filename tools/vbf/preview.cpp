@@ -68,6 +68,7 @@ void write_preview(const PreviewOptions& options)
     ScannedFile input(options.path);
     const VBFChainEntry& stack = input.get_stack(options.index);
     const Plane plane = find_plane(stack.header, options.plane);
+    check_drawable(plane);
     StackReader reader(input.get_file(), stack);
     write_png(output, draw(reader, plane));
     output.finish();

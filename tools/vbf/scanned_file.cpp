@@ -1,21 +1,8 @@
 #include "scanned_file.h"
 
+#include "file_name.h"
+
 #include <VelaBase/VelaError.h>
-
-#include <stdexcept>
-
-namespace {
-
-/// The library drops bytes that are no UTF-8, and the name of another file could be left.
-VPropstring file_name(const std::string& path)
-{
-    VPropstring name(path, VPropstring::enc_utf8);
-    if (name.to(VPropstring::enc_utf8) != path)
-        throw std::runtime_error("The file name is no UTF-8: '" + path + "'");
-    return name;
-}
-
-} // namespace
 
 ScannedFile::ScannedFile(const std::string& path) : file(file_name(path), VFile::read_mode)
 {
@@ -30,21 +17,14 @@ const VBFChainEntry& ScannedFile::get_stack(std::uint64_t index) const
     return chain.stacks[index];
 }
 
-std::optional<std::string> ScannedFile::get_open_failure()
+VBFDictionary ScannedFile::read_file_dictionary()
 {
+    VBFDictionary dictionary;
     if (!has_dictionary())
-        return std::nullopt;
-    try
-    {
-        // A position that the system refuses leaves the file behind its header: there the reader goes on.
-        file.seek(sizeof(VBFFileHeader) + chain.file.description.size() + sizeof chain.file.meta_data_pos);
-        file.seek(chain.file.meta_data_pos);
-        VBFDictionary dictionary;
-        read_dictionary(file, dictionary);
-    }
-    catch (const VelaError& error)
-    {
-        return error.get_msg();
-    }
-    return std::nullopt;
+        return dictionary;
+    // A position that the system refuses leaves the file behind its header: there the reader goes on.
+    file.seek(sizeof(VBFFileHeader) + chain.file.description.size() + sizeof chain.file.meta_data_pos);
+    file.seek(chain.file.meta_data_pos);
+    read_dictionary(file, dictionary);
+    return dictionary;
 }

@@ -5,7 +5,6 @@
 #include <VelaFile/VFile.h>
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 /// Opens and scans a file. The file stays open and in use as long as this object lives.
@@ -30,8 +29,10 @@ public:
     /// A file with a dictionary whose position was never filled in.
     bool is_not_closed() const { return has_dictionary() && chain.file.meta_data_pos == 0; }
 
-    /// Why a reader that looks at the dictionary too does not open the file; nothing if it opens.
-    std::optional<std::string> get_open_failure();
+    /// The dictionary of the file; empty where it has none.
+    ///
+    /// @throws VelaError as `read_dictionary` does: it is damaged, or the file was not closed.
+    VBFDictionary read_file_dictionary();
 
 private:
     VFile file;

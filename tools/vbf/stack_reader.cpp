@@ -1,13 +1,14 @@
 #include "stack_reader.h"
 
+#include "footer.h"
 #include "stack_shape.h"
 
 #include <VelaBase/VelaError.h>
 #include <VelaBase/vela_dt_convert.h>
-#include <VelaFile/VZippedSegment.h>
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -79,6 +80,16 @@ void StackReader::read_zeros(std::uint64_t count, vela_dt target, const SampleSi
     }
 }
 
+void StackReader::start_segment()
+{
+    if (segment.is_initialized() != 0)
+        return;
+    const int level = stack.header.compression_type == 1 ? stack.header.compression_level : 0;
+    segment.init_r(file, level, stack.data_pos, stack.header.data_length_on_disk, count_samples * sample_size_bytes);
+    FlushTable table = level > 0 ? read_footer_parts(file, stack).flush : FlushTable();
+    segment.set_flush_positions(std::move(table.positions), table.block_bytes);
+}
+
 void StackReader::read_segment(std::uint64_t from, std::uint64_t count, vela_dt target, const SampleSink& sink)
 {
     const std::uint64_t target_size_bytes = size_of(target);
@@ -86,9 +97,7 @@ void StackReader::read_segment(std::uint64_t from, std::uint64_t count, vela_dt 
     std::vector<unsigned char> samples(chunk * sample_size_bytes);
     std::vector<unsigned char> converted(target == type ? 0 : chunk * target_size_bytes);
 
-    const int level = stack.header.compression_type == 1 ? stack.header.compression_level : 0;
-    VZippedSegment segment;
-    segment.init_r(file, level, stack.data_pos, stack.header.data_length_on_disk, count_samples * sample_size_bytes);
+    start_segment();
     segment.seek(from * sample_size_bytes);
     for (std::uint64_t left = count; left != 0;)
     {

@@ -4,6 +4,7 @@
 #include <VelaBase/vela_dt.h>
 #include <VelaBinaryIO/VBFHeaders.h>
 #include <VelaFile/VFile.h>
+#include <VelaFile/VZippedSegment.h>
 
 #include <cstdint>
 #include <functional>
@@ -14,9 +15,9 @@ typedef std::function<void(const unsigned char* samples, std::uint64_t size_byte
 
 /// A stack as a run of samples in storage order, the first dimension fastest.
 ///
-/// It knows of the stack what the header says. So it reads compressed samples from the start of their
-/// segment and drops those before the run. Memory: at most two chunks of 4 MiB beside the file's own,
-/// whatever the header claims.
+/// It knows of the stack what the header and the flush points say, so it also reads stacks that the library does not open.
+/// Runs that ascend cost what lies between them, and others what lies behind the flush point before. Memory: at most
+/// two chunks of 4 MiB beside the file's own, whatever the header claims.
 class StackReader
 {
 public:
@@ -41,6 +42,7 @@ public:
 private:
     bool is_empty() const { return stack.header.data_length_on_disk == 0; }
     void check_conversion(vela_dt target) const;
+    void start_segment();
     void read_zeros(std::uint64_t count, vela_dt target, const SampleSink& sink) const;
     void read_segment(std::uint64_t from, std::uint64_t count, vela_dt target, const SampleSink& sink);
 
@@ -49,4 +51,5 @@ private:
     const vela_dt type;
     const std::uint64_t sample_size_bytes;
     std::uint64_t count_samples;
+    VZippedSegment segment;
 };

@@ -1,9 +1,8 @@
 #include "unit.h"
 
 #include "output.h"
+#include "quantity_text.h"
 #include "text.h"
-
-#include <si/value.h>
 
 #include <nlohmann/json.hpp>
 
@@ -11,49 +10,12 @@
 #include <charconv>
 #include <cstdint>
 #include <stdexcept>
-#include <string_view>
 
 namespace {
 
 constexpr std::array<const char*, si::value::dimension_count> base_units = {"m",   "kg", "s",   "A", "K",
                                                                             "mol", "cd", "rad", "sr"};
-constexpr int digits = 4; ///< of the printed forms
 constexpr int count_flags = 8;
-
-constexpr char micro = '\xB5';                      // the library's, in Latin-1
-constexpr std::string_view micro_sign = "\xC2\xB5"; // U+00B5
-constexpr std::string_view greek_mu = "\xCE\xBC";   // U+03BC, which keyboards have too
-
-/// A text of the terminal as the library takes it.
-std::string to_library(const std::string& text)
-{
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i)
-    {
-        const std::string_view two = std::string_view(text).substr(i, 2);
-        const bool is_micro = two == micro_sign || two == greek_mu;
-        result += is_micro ? micro : text[i];
-        i += is_micro ? 1 : 0;
-    }
-    return result;
-}
-
-/// A text that the library printed, as UTF-8.
-std::string from_library(const std::string& text)
-{
-    std::string result;
-    for (const char c : text)
-        c == micro ? result += micro_sign : result += c;
-    return valid_utf8(result); // a prefix without a sign is the byte 0x80
-}
-
-si::value parse_quantity(const std::string& text)
-{
-    si::value quantity(to_library(text));
-    if (!quantity.is_valid())
-        throw std::runtime_error("'" + text + "' is no quantity");
-    return quantity;
-}
 
 /// The number as short as it can be without loss.
 std::string number_text(double number)
@@ -81,11 +43,6 @@ std::string dimension_text(const si::value& quantity)
     return result;
 }
 
-std::string printed(const si::value& quantity, int flags)
-{
-    return from_library(quantity.format(digits, flags));
-}
-
 /// One line "  label        value".
 std::string line(const std::string& label, const std::string& value)
 {
@@ -102,10 +59,10 @@ std::string as_text(const UnitOptions& options, const si::value& quantity, const
     result += line("base units", number + dimension_text(quantity));
     if (options.in)
         result += line("converted", number_text(quantity / unit) + " in " + *options.in);
-    result += line("plain", printed(quantity, 0));
-    result += line("blank", printed(quantity, blank));
-    result += line("prefix", printed(quantity, prefix));
-    result += line("blank, prefix", printed(quantity, blank | prefix));
+    result += line("plain", quantity_text(quantity, 0));
+    result += line("blank", quantity_text(quantity, blank));
+    result += line("prefix", quantity_text(quantity, prefix));
+    result += line("blank, prefix", quantity_text(quantity, blank | prefix));
     return result;
 }
 
@@ -123,7 +80,7 @@ std::string as_json(const UnitOptions& options, const si::value& quantity, const
         result["in"] = {{"unit", valid_utf8(*options.in)}, {"number", static_cast<double>(quantity / unit)}};
     Json& formats = result["formats"] = Json::array();
     for (int flags = 0; flags < count_flags; ++flags)
-        formats.push_back(printed(quantity, flags));
+        formats.push_back(quantity_text(quantity, flags));
     return result.dump(2) + "\n";
 }
 

@@ -1,0 +1,3 @@
+#include <Remote/Stack.h>
+
+Remote::Stack::~Stack() = default;

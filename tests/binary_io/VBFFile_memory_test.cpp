@@ -1,0 +1,126 @@
+// The memory that files take of a program.
+#include <VelaBase/VelaError.h>
+
+#include "binary_io/vbf_reading_test.h"
+#include "support/allocation_watch.h"
+
+#include <filesystem>
+
+using namespace vela_test;
+
+namespace {
+
+constexpr std::size_t mebibyte = 1 << 20;
+
+class VBFFileMemory : public VbfReadingTest
+{
+protected:
+    /// Memory that is taken from the opening of the file on.
+    std::size_t taken_by_open(const VbfBytes& built)
+    {
+        file.reset();
+        const VPropstring name = file_name(put(built));
+        const AllocationWatch watch;
+        file.open(name, VFile::read_mode);
+        return watch.extra_bytes();
+    }
+
+    static VbfRecords file_of(std::size_t count, const RecordFields& fields)
+    {
+        VbfRecords built(1);
+        for (std::size_t i = 0; i < count; ++i)
+            built.add_stack_record(fields);
+        return built;
+    }
+};
+
+} // namespace
+
+TEST_F(VBFFileMemory, LabelsThatTheFileCannotHoldTakeNone)
+{
+    for (const bool with_second_axis : {false, true})
+    {
+        RecordFields fields = bytes_record({});
+        fields.header.sizes =
+            with_second_axis ? std::vector<std::uint32_t>{1, 0x10000000} : std::vector<std::uint32_t>{0xffffffff};
+        fields.col_labels = {{fields.header.sizes.size() - 1, {}}};
+        put(file_of(1, fields));
+        std::filesystem::resize_file(path("test.vbf"), 32 * mebibyte); // with a hole of zeros: empty labels
+        const VPropstring name = file_name(path("test.vbf"));
+        file.reset();
+        const AllocationWatch watch;
+        EXPECT_VELA_ERROR(file.open(name, VFile::read_mode), -3, "Failed reading 4 bytes from file!");
+        EXPECT_LE(watch.peak_extra_bytes(), mebibyte);
+    }
+}
+
+TEST_F(VBFFileMemory, LabelsThatAreThereTakeNoMoreThanTheyNeed)
+{
+    constexpr std::size_t count = 100000;
+    RecordFields fields = bytes_record({});
+    fields.header.sizes = {count};
+    fields.col_labels = {{0, std::vector<std::string>(count, "label")}};
+    put(file_of(1, fields));
+    const VPropstring name = file_name(path("test.vbf"));
+    const AllocationWatch watch;
+    file.open(name, VFile::read_mode);
+    EXPECT_LE(watch.peak_extra_bytes(), count * sizeof(std::string) + mebibyte / 2);
+}
+
+TEST_F(VBFFileMemory, StacksShareMetadataThatAreEqual)
+{
+    RecordFields fields = bytes_record({1, 2});
+    fields.metadata = position_xml({"a", "b"}, "1 2", "2 1", "1 0") + std::string(20000, ' ');
+    const std::size_t one = taken_by_open(file_of(1, fields));
+    EXPECT_LE(taken_by_open(file_of(101, fields)), one + 100 * 3000);
+}
+
+TEST_F(VBFFileMemory, OpeningBuildsNoDescriptionWhereMetadataDiffer)
+{
+    constexpr std::size_t count = 50;
+    VbfRecords built(1);
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        RecordFields fields = bytes_record({1, 2});
+        fields.metadata = position_xml({"a", "b"}, std::to_string(i) + " 2", "2 1", "1 0");
+        built.add_stack_record(fields);
+    }
+    const VPropstring name = file_name(put(built));
+    const AllocationWatch opening;
+    file.open(name, VFile::read_mode);
+    const std::size_t of_opening = opening.count_allocations() / count;
+    const AllocationWatch looking;
+    file->get_stack(0);
+    EXPECT_LT(of_opening, looking.count_allocations());
+    EXPECT_EQ(file->get_stack(count - 1)->get_stack_position().origin[0], count - 1.0);
+}
+
+TEST_F(VBFFileMemory, AWriterKeepsLittleOfFinishedStacks)
+{
+    file.open(file_name(path("written.vbf")), VFile::write_mode);
+    const auto write_stacks = [this](int count)
+    {
+        boost::shared_ptr<VBFStackInterface> stack;
+        for (int i = 0; i < count; ++i)
+        {
+            stack = file->add_stack(false); // the last one is held until here
+            stack->create({2, 2}, vela_dt_uint8);
+            stack->write(vela_dt_uint8, "abcd", nullptr, VBFStackInterface::all_samples);
+        }
+    };
+    write_stacks(10);
+    constexpr int count = 200;
+    const AllocationWatch watch;
+    write_stacks(count);
+    EXPECT_LE(watch.extra_bytes() / count, 2000U);
+    EXPECT_EQ(read_whole(*file->get_stack(100), vela_dt_uint8), (Bytes{'a', 'b', 'c', 'd'}));
+}
+
+TEST_F(VBFFileMemory, ATextForAnErrorTakesNone)
+{
+    VelaError(nullptr, nullptr, 0)("%s", std::string(3000, 'x').c_str())(-4).process();
+    const AllocationWatch watch;
+    const std::string_view text = vela_bf_get_errorstring(-1);
+    EXPECT_EQ(watch.count_allocations(), 0U);
+    EXPECT_EQ(text.size(), 2047U);
+}

@@ -1,0 +1,551 @@
+// What the record of a stack says, as a reader of the file gets it.
+#include "binary_io/vbf_reading_test.h"
+
+#include <VelaStacks/VStackRegion.h>
+
+#include <cmath>
+#include <limits>
+
+using namespace vela_test;
+
+namespace {
+
+typedef std::vector<std::uint64_t> Sizes;
+typedef std::vector<double> Doubles;
+
+constexpr double no_number = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+class VbfStackDescription : public VbfReadingTest
+{
+protected:
+    /// A record of these sizes without samples on disk.
+    static RecordFields empty_record(const std::vector<std::uint32_t>& sizes)
+    {
+        RecordFields fields;
+        fields.header.sizes = sizes;
+        fields.header.lengths = Doubles(sizes.size(), 1.0);
+        fields.header.offsets = Doubles(sizes.size(), 0.0);
+        fields.header.data.clear();
+        return fields;
+    }
+};
+
+/// Exponents of a unit as pairs.
+std::vector<std::pair<std::int32_t, std::int32_t>> exponents_of(const si::value& unit)
+{
+    std::vector<std::pair<std::int32_t, std::int32_t>> result;
+    for (std::size_t i = 0; i < si::value::dimension_count; ++i)
+        result.emplace_back(unit.exponent(i).numerator(), unit.exponent(i).denominator());
+    return result;
+}
+
+const std::vector<std::pair<std::int32_t, std::int32_t>> neutral(9, {0, 1});
+
+void expect_neutral(const si::value& unit)
+{
+    EXPECT_EQ(exponents_of(unit), neutral);
+    EXPECT_EQ(unit.value_in_baseunits(), 1.0);
+}
+
+} // namespace
+
+TEST_F(VbfStackDescription, HeaderFieldsArriveInTheDescription)
+{
+    RecordFields fields;
+    fields.header.name = "a name";
+    fields.header.description = "a description";
+    fields.header.sizes = {4, 3, 2};
+    fields.header.lengths = {0.5, 1.5, 2.5};
+    fields.header.offsets = {-1.0, 0.0, 1e-12};
+    fields.header.data_type = static_cast<std::uint32_t>(vela_dt_uint16);
+    fields.header.compression_type = 0;
+    fields.header.compression_level = 9;
+    fields.header.data = Bytes(48, 1);
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_name(), "a name");
+    EXPECT_EQ(stack->get_description(), "a description");
+    EXPECT_EQ(stack->get_rank(), 3u);
+    EXPECT_EQ(stack->get_sizes(), (Sizes{4, 3, 2}));
+    EXPECT_EQ(stack->get_number_of_elements(), 24u);
+    EXPECT_EQ(stack->get_size(0), 48u);
+    EXPECT_EQ(stack->get_lengths(), (Doubles{0.5, 1.5, 2.5}));
+    EXPECT_EQ(stack->get_offsets(), (Doubles{-1.0, 0.0, 1e-12}));
+    EXPECT_EQ(stack->get_dt(), vela_dt_uint16);
+    EXPECT_EQ(stack->get_state(), 0);
+}
+
+TEST_F(VbfStackDescription, NameAndDescriptionStandInTheRecord)
+{
+    RecordFields fields = bytes_record({1});
+    fields.header.name = "na\xc3\xafve";
+    fields.header.description = "line\nline";
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(std::string(stack->meta_data().name), "na\xc3\xafve");
+    EXPECT_EQ(std::string(stack->meta_data().description), "line\nline");
+}
+
+TEST_F(VbfStackDescription, TextsAreTakenByteForByte)
+{
+    RecordFields fields = bytes_record({1});
+    fields.header.name = "";
+    fields.header.description = std::string("a\0b\xff", 4);
+    fields.labels = {std::string("\0\xfe", 2)};
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_name(), "");
+    EXPECT_EQ(stack->get_description(), std::string("a\0b\xff", 4));
+    EXPECT_EQ(stack->get_label(0), std::string("\0\xfe", 2));
+}
+
+TEST_F(VbfStackDescription, CompressionFieldsAreTakenAsTheyStand)
+{
+    for (const auto& [type, level] : {std::pair<int, int>{0, 0}, {1, 0}, {0, 9}, {7, 3}, {1, -1}, {-1, -2}, {2, 99}})
+    {
+        RecordFields fields = bytes_record({1});
+        fields.header.compression_type = static_cast<std::uint32_t>(type);
+        fields.header.compression_level = static_cast<std::uint32_t>(level);
+        int got_type = 1234;
+        int got_level = 1234;
+        only_stack(fields)->get_compression(got_type, got_level);
+        EXPECT_EQ(got_type, type);
+        EXPECT_EQ(got_level, level);
+    }
+}
+
+TEST_F(VbfStackDescription, EveryTypeOfTheRecordIsRead)
+{
+    for (const vela_dt type :
+         {vela_dt_uint8, vela_dt_int8, vela_dt_uint16, vela_dt_int16, vela_dt_uint32, vela_dt_int32, vela_dt_single,
+          vela_dt_double, vela_dt_single | vela_dt_complex, vela_dt_double | vela_dt_complex})
+    {
+        RecordFields fields = empty_record({2, 2});
+        fields.header.data_type = static_cast<std::uint32_t>(type);
+        EXPECT_EQ(only_stack(fields)->get_dt(), type);
+    }
+}
+
+TEST_F(VbfStackDescription, TypesThatTheRecordLacksAreRefused)
+{
+    for (const std::uint32_t type :
+         {0x3u, 0x100u, 0x400u, 0x800u, 0x1000u, 0x2000u, 0x4000u, 0x8000u, 0x10000u, 0x20000u, 0x40000001u,
+          0x40000000u, 0x40001000u, 0x40010000u, 0x80000001u, 0xffffffffu})
+    {
+        RecordFields fields = empty_record({2, 2});
+        fields.header.data_type = type;
+        EXPECT_THROW_TEXT(only_stack(fields), std::invalid_argument, "Unsupported data type");
+        EXPECT_FALSE(file->is_open());
+    }
+}
+
+TEST_F(VbfStackDescription, RanksFromNoneToFiveHaveElements)
+{
+    for (std::size_t rank = 0; rank <= 5; ++rank)
+    {
+        RecordFields fields = empty_record(std::vector<std::uint32_t>(rank, 2));
+        const StackPointer stack = only_stack(fields);
+        EXPECT_EQ(stack->get_rank(), rank);
+        EXPECT_EQ(stack->get_number_of_elements(), 1u << rank);
+    }
+}
+
+TEST_F(VbfStackDescription, SixAxesWithElementsAreRefused)
+{
+    EXPECT_THROW_TEXT(only_stack(empty_record({1, 1, 1, 1, 1, 1})), std::invalid_argument,
+                      "Unsupported number of sizes");
+}
+
+TEST_F(VbfStackDescription, WithoutElementsThereMayBeFifteenAxes)
+{
+    std::vector<std::uint32_t> sizes(15, 2);
+    sizes[14] = 0;
+    RecordFields fields = empty_record(sizes);
+    fields.header.lengths[14] = 12.5;
+    fields.labels = std::vector<std::string>(15, "L");
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_rank(), 15u);
+    EXPECT_EQ(stack->get_length(14), 12.5);
+    EXPECT_EQ(stack->get_label(14), "L");
+    EXPECT_EQ(stack->get_number_of_elements(), 0u);
+}
+
+TEST_F(VbfStackDescription, SizesWhoseProductOverflowsAreRefused)
+{
+    EXPECT_VELA_ERROR(only_stack(empty_record({0xffffffff, 0xffffffff, 0xffffffff})), -1,
+                      "The product exceeds the maximum size.");
+    EXPECT_VELA_ERROR(only_stack(empty_record({0x80000000, 0x80000000, 4})), -1,
+                      "The product exceeds the maximum size.");
+    EXPECT_NO_THROW(only_stack(empty_record({0x80000000, 0x80000000, 3})));
+}
+
+TEST_F(VbfStackDescription, ALengthThatIsNoNumberIsOne)
+{
+    RecordFields fields = bytes_record(Bytes(6, 0));
+    fields.header.sizes = {3, 2};
+    fields.header.lengths = {no_number, -no_number};
+    EXPECT_EQ(only_stack(fields)->get_lengths(), (Doubles{1.0, 1.0}));
+    fields.header.lengths = {std::numeric_limits<double>::signaling_NaN(), 2.5};
+    EXPECT_EQ(only_stack(fields)->get_lengths(), (Doubles{1.0, 2.5}));
+}
+
+TEST_F(VbfStackDescription, OtherLengthsStayAsTheyAre)
+{
+    RecordFields fields = empty_record({2, 2, 2, 2, 0});
+    fields.header.lengths = {0.0, -3.5, infinity, -infinity, 1e-300};
+    EXPECT_EQ(only_stack(fields)->get_lengths(), (Doubles{0.0, -3.5, infinity, -infinity, 1e-300}));
+}
+
+TEST_F(VbfStackDescription, NumbersBehindTheRankDoNotMatter)
+{
+    RecordFields fields = bytes_record(Bytes(3, 0));
+    fields.header.lengths = Doubles(15, no_number);
+    fields.header.lengths[0] = 4.0;
+    fields.header.offsets = Doubles(15, no_number);
+    fields.header.offsets[0] = 5.0;
+    VbfRecords built(1);
+    const RecordPlaces places = built.add_stack_record(fields);
+    for (std::uint64_t i = 1; i < 15; ++i)
+        built.set_u32_at(places.header + stack_sizes_at + 4 * i, 0xffffffff);
+    const StackPointer stack = open(built)->get_stack(0);
+    EXPECT_EQ(stack->get_sizes(), Sizes{3});
+    EXPECT_EQ(stack->get_lengths(), Doubles{4.0});
+    EXPECT_EQ(stack->get_offsets(), Doubles{5.0});
+}
+
+TEST_F(VbfStackDescription, LengthsAndOffsetsThatTheRecordCannotExpressAreStored)
+{
+    // A channel axis has no length there, and a time series around 0 has times below it.
+    RecordFields fields = empty_record({2, 2, 2, 4, 3});
+    fields.header.lengths = {2.0, 3.0, 4.0, 5.0, 6.0};
+    fields.header.offsets = {0.0, 0.0, 0.0, 0.0, 7.0};
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_lengths(), (Doubles{2.0, 3.0, 4.0, 5.0, 6.0}));
+    EXPECT_EQ(stack->get_offsets(), (Doubles{0.0, 0.0, 0.0, 0.0, 7.0}));
+    EXPECT_EQ(std::int64_t(stack->meta_data().size_t), 4);
+    EXPECT_EQ(double(stack->meta_data().physical_size_y), 1.5);
+}
+
+TEST_F(VbfStackDescription, WithoutBytesOnDiskAStackIsEmptyWhateverElseIsSaid)
+{
+    RecordFields fields = empty_record({1000, 1000});
+    fields.header.data_present = 1;
+    const StackPointer stack = only_stack(fields);
+    std::uint64_t pos = 0;
+    EXPECT_EQ(read_run(*stack, vela_dt_uint8, 5, pos), Bytes(5, 0));
+    EXPECT_EQ(pos, 0u);
+
+    RecordFields present = bytes_record({7, 8});
+    present.header.data_present = 0;
+    EXPECT_EQ(read_whole(*only_stack(present), vela_dt_uint8), (Bytes{7, 8}));
+}
+
+TEST_F(VbfStackDescription, LabelsAreRead)
+{
+    RecordFields fields = empty_record({2, 2, 2});
+    fields.labels = {"X", "", "l\xc3\xa4nge"};
+    EXPECT_EQ(only_stack(fields)->get_labels(), (std::vector<std::string>{"X", "", "l\xc3\xa4nge"}));
+}
+
+TEST_F(VbfStackDescription, UnitsAreTakenAsStored)
+{
+    RecordFields fields = empty_record({2, 2});
+    fields.units = {{{{2, 4}, {0, 1}, {-3, -6}}, 2.5}, {{{0, 1}, {1, 1}}, -1e-6}};
+    fields.data_units = {{{0, 1}, {0, 1}, {0, 1}, {1, -2}, {5, 1}, {6, 1}, {7, 1}, {8, 1}, {9, 1}}, 1e12};
+    const StackPointer stack = only_stack(fields);
+
+    std::vector<std::pair<std::int32_t, std::int32_t>> first = neutral;
+    first[0] = {2, 4};
+    first[2] = {-3, -6};
+    EXPECT_EQ(exponents_of(stack->get_units(0)), first);
+    EXPECT_EQ(stack->get_units(0).value_in_baseunits(), 2.5);
+    std::vector<std::pair<std::int32_t, std::int32_t>> second = neutral;
+    second[1] = {1, 1};
+    EXPECT_EQ(exponents_of(stack->get_units(1)), second);
+    EXPECT_EQ(stack->get_units(1).value_in_baseunits(), -1e-6);
+    EXPECT_EQ(exponents_of(stack->get_data_units()), fields.data_units.exponents);
+    EXPECT_EQ(stack->get_data_units().value_in_baseunits(), 1e12);
+    EXPECT_TRUE(stack->get_data_units().is_valid());
+}
+
+TEST_F(VbfStackDescription, ColumnPositionsAreReadWhereTheyAreFlagged)
+{
+    RecordFields fields = empty_record({2, 3, 2});
+    fields.header.lengths = {2.0, 3.0, 4.0};
+    fields.col_positions = {{0, {-1.5, 1.5}}, {2, {10.0, no_number}}};
+    const StackPointer stack = only_stack(fields);
+    EXPECT_FALSE(stack->is_equidistant(0));
+    EXPECT_TRUE(stack->is_equidistant(1));
+    EXPECT_FALSE(stack->is_equidistant(2));
+    EXPECT_EQ(stack->get_col_positions(0), (Doubles{-1.5, 1.5}));
+    EXPECT_EQ(stack->get_col_position(0, 1), 1.5);
+    EXPECT_EQ(stack->get_col_positions(1), (Doubles{-1.0, 0.0, 1.0}));
+    EXPECT_EQ(stack->get_col_positions(2).at(0), 10.0);
+    EXPECT_TRUE(std::isnan(stack->get_col_positions(2).at(1)));
+}
+
+TEST_F(VbfStackDescription, ColumnLabelsAreReadWhereTheyAreFlagged)
+{
+    RecordFields fields = empty_record({2, 3, 2});
+    fields.col_labels = {{0, {"red", ""}}, {1, {"", "\xce\xbb", "3"}}};
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_col_labels(0), (std::vector<std::string>{"red", ""}));
+    EXPECT_EQ(stack->get_col_labels(1), (std::vector<std::string>{"", "\xce\xbb", "3"}));
+    EXPECT_TRUE(stack->get_col_labels(2).empty());
+}
+
+TEST_F(VbfStackDescription, AllPositionsStandBeforeAllLabelsOfColumns)
+{
+    RecordFields fields = empty_record({1, 2});
+    fields.labels = {"a", "b"};
+    fields.col_positions = {{0, {0.5}}, {1, {1.0, 2.0}}};
+    fields.col_labels = {{0, {"p"}}, {1, {"q", "r"}}};
+    fields.tags = {{"behind", "them"}};
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_labels(), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(stack->get_col_positions(0), Doubles{0.5});
+    EXPECT_EQ(stack->get_col_positions(1), (Doubles{1.0, 2.0}));
+    EXPECT_EQ(stack->get_col_labels(0), std::vector<std::string>{"p"});
+    EXPECT_EQ(stack->get_col_labels(1), (std::vector<std::string>{"q", "r"}));
+    EXPECT_EQ(stack->get_tag("behind"), "them");
+}
+
+TEST_F(VbfStackDescription, NoColumnsAreReadForAnAxisOfSizeZero)
+{
+    RecordFields fields = empty_record({0, 2});
+    fields.col_positions = {{0, {}}, {1, {1.0, 2.0}}};
+    fields.col_labels = {{0, {}}, {1, {"q", "r"}}};
+    fields.tags = {{"behind", "them"}};
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_col_positions(1), (Doubles{1.0, 2.0}));
+    EXPECT_EQ(stack->get_col_labels(1), (std::vector<std::string>{"q", "r"}));
+    EXPECT_TRUE(stack->get_col_labels(0).empty());
+    EXPECT_EQ(stack->get_tag("behind"), "them");
+}
+
+TEST_F(VbfStackDescription, FlagsOfColumnsBehindTheRankAreNotLookedAt)
+{
+    RecordFields fields = empty_record({2});
+    fields.tags = {{"behind", "them"}};
+    VbfRecords built(1);
+    const RecordPlaces places = built.add_stack_record(fields);
+    for (std::uint64_t i = 1; i < 15; ++i)
+    {
+        built.set_u32_at(places.footer + footer_col_positions_at + 4 * i, 1);
+        built.set_u32_at(places.footer + footer_col_labels_at + 4 * i, 0xffffffff);
+    }
+    EXPECT_EQ(open(built)->get_stack(0)->get_tag("behind"), "them");
+}
+
+TEST_F(VbfStackDescription, TheDescriptionIsLocked)
+{
+    const StackPointer stack = only_stack(bytes_record({1, 2}));
+    const char* const text = "Cannot set values. Object locked!";
+    EXPECT_VELA_ERROR(stack->set_name("new"), -1, text);
+    EXPECT_VELA_ERROR(stack->set_description("new"), -1, text);
+    EXPECT_VELA_ERROR(stack->set_acquisition_date(), -1, text);
+    EXPECT_VELA_ERROR(stack->set_len(0, 2.0), -1, text);
+    EXPECT_VELA_ERROR(stack->set_len(Doubles{2.0}), -1, text);
+    EXPECT_VELA_ERROR(stack->set_off(0, 2.0), -1, text);
+    EXPECT_VELA_ERROR(stack->set_off(Doubles{2.0}), -1, text);
+    EXPECT_VELA_ERROR(stack->set_label(0, "new"), -1, text);
+    EXPECT_VELA_ERROR(stack->set_labels({"new"}), -1, text);
+    EXPECT_VELA_ERROR(stack->set_col_labels(0, {"a", "b"}), -1, text);
+    EXPECT_VELA_ERROR(stack->set_col_positions(0, {1.0, 2.0}), -1, text);
+    EXPECT_VELA_ERROR(stack->set_units(0, si::value("m")), -1, text);
+    EXPECT_VELA_ERROR(stack->set_data_units(si::value("m")), -1, text);
+    const VStackInfo other;
+    EXPECT_VELA_ERROR(stack->set_info(other), -1, text);
+    EXPECT_EQ(stack->get_name(), "a");
+}
+
+TEST_F(VbfStackDescription, WithoutAFooterTheDescriptionIsLockedToo)
+{
+    RecordFields fields = bytes_record({1, 2});
+    fields.header.format_version = 0;
+    EXPECT_VELA_ERROR(only_stack(fields)->set_name("new"), -1, "Cannot set values. Object locked!");
+}
+
+TEST_F(VbfStackDescription, NoneOfTheThreeFormsDescribesItAgain)
+{
+    const StackPointer stack = only_stack(bytes_record({1, 2}));
+    VStackInfo other;
+    other->create({3, 2}, vela_dt_uint8);
+    VStackRegion region;
+    region.create(other, 0);
+    const char* const text = "Cannot set data layout!";
+    EXPECT_VELA_ERROR(stack->create({3, 2}, vela_dt_uint8), -1, text);
+    EXPECT_VELA_ERROR(stack->create(other, 0), -1, text);
+    EXPECT_VELA_ERROR(stack->create(other, region), -1, text);
+    EXPECT_EQ(stack->get_sizes(), Sizes{2});
+    EXPECT_EQ(stack->get_state(), 0);
+}
+
+TEST_F(VbfStackDescription, CompressionAndFlushPointsCannotBeChanged)
+{
+    const StackPointer stack = only_stack(bytes_record({1, 2}));
+    EXPECT_VELA_ERROR_IN(stack->set_compression(1, 6), "VBFStackImp::set_compression", binary_io_folder, -1,
+                         "Cannot change compression mode!");
+    EXPECT_VELA_ERROR_IN(stack->set_flush_block_size(0), "VBFStackImp::set_flush_block_size", binary_io_folder, -1,
+                         "Flush block size can only be set before starting to write!");
+    int type = 5;
+    int level = 5;
+    stack->get_compression(type, level);
+    EXPECT_EQ(type, 0);
+    EXPECT_EQ(level, 0);
+}
+
+// ---- versions and footers of other lengths
+
+TEST_F(VbfStackDescription, ARecordOfVersionZeroHasNoFooter)
+{
+    RecordFields fields = bytes_record({1, 2, 3});
+    fields.header.format_version = 0;
+    VbfRecords built(1);
+    built.add_stack_record(fields);
+    built.append(Bytes(2000, 0xff)); // what a footer would not say
+    const StackPointer stack = open(built)->get_stack(0);
+    EXPECT_EQ(stack->get_label(0), "");
+    expect_neutral(stack->get_units(0));
+    expect_neutral(stack->get_data_units());
+    EXPECT_TRUE(stack->is_equidistant(0));
+    EXPECT_TRUE(stack->get_tag_keys().empty());
+    EXPECT_EQ(stack->get_meta_data_string(), "");
+    EXPECT_EQ(stack->get_state(), 0);
+    EXPECT_EQ(read_whole(*stack, vela_dt_uint8), (Bytes{1, 2, 3}));
+}
+
+TEST_F(VbfStackDescription, OtherVersionsAllHaveOne)
+{
+    for (const std::uint32_t version : {1u, 2u, 3u, 4u, 5u, 6u, 0xffffffffu})
+    {
+        RecordFields fields = bytes_record({1, 2, 3});
+        fields.header.format_version = version;
+        fields.labels = {"label"};
+        fields.tags = {{"key", "value"}};
+        const StackPointer stack = only_stack(fields);
+        EXPECT_EQ(stack->get_label(0), "label") << version;
+        EXPECT_EQ(stack->get_tag("key"), "value") << version;
+    }
+}
+
+TEST_F(VbfStackDescription, AFooterOfFourBytesLeavesOnlyLabels)
+{
+    RecordFields fields = bytes_record({1, 2, 3});
+    fields.footer_size = 4;
+    fields.labels = {"first"};
+    fields.units = {{{{1, 1}}, 3.0}};
+    fields.has_tag_dictionary = false;
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_label(0), "first");
+    expect_neutral(stack->get_units(0));
+    expect_neutral(stack->get_data_units());
+    EXPECT_TRUE(stack->get_tag_keys().empty());
+}
+
+TEST_F(VbfStackDescription, AFooterOfAHundredBytesGivesNeutralUnitsAndNoTags)
+{
+    RecordFields fields = bytes_record({1, 2, 3});
+    fields.footer_size = 100;
+    fields.labels = {"label"};
+    fields.col_positions = {{0, {1.0, 2.0, 4.0}}};
+    fields.col_labels = {{0, {"a", "b", "c"}}}; // its flag lies within
+    fields.units = {{{{1, 1}}, 3.0}};
+    fields.data_units = {{{1, 1}}, 3.0};
+    fields.has_tag_dictionary = false;
+    VbfRecords built(1);
+    const RecordPlaces places = built.add_stack_record(fields);
+    open(built);
+    const StackPointer stack = file->get_stack(0);
+    EXPECT_EQ(stack->get_col_positions(0), (Doubles{1.0, 2.0, 4.0}));
+    EXPECT_EQ(stack->get_col_labels(0), (std::vector<std::string>{"a", "b", "c"}));
+    EXPECT_EQ(exponents_of(stack->get_data_units()), neutral);
+    EXPECT_EQ(stack->get_data_units().value_in_baseunits(), 1.0);
+    EXPECT_TRUE(stack->get_tag_keys().empty());
+    EXPECT_EQ(stack->get_meta_data_string(), "");
+    EXPECT_EQ(file->seek_to_end_of_stack(0), places.end);
+}
+
+TEST_F(VbfStackDescription, AFooterMayEndInsideAField)
+{
+    // Two bytes of the numerator 0x00030001 of the first axis: the rest of it stays 0.
+    RecordFields fields = bytes_record({1, 2, 3});
+    fields.footer_size = footer_units_at + 2;
+    fields.units = {{{{0x00030001, 1}}, 3.0}};
+    fields.data_units = {{{2, 1}}, 5.0};
+    fields.has_tag_dictionary = false;
+    const StackPointer stack = only_stack(fields);
+    EXPECT_EQ(stack->get_data_units().value_in_baseunits(), 5.0);
+    std::vector<std::pair<std::int32_t, std::int32_t>> expected = neutral;
+    expected[0] = {1, 1};
+    EXPECT_EQ(exponents_of(stack->get_units(0)), expected);
+    EXPECT_EQ(stack->get_units(0).value_in_baseunits(), 1.0);
+}
+
+TEST_F(VbfStackDescription, ShortFootersGiveWhatTheyReach)
+{
+    for (const std::uint32_t size : {1408u, 1416u, 1424u, 1432u, 1440u})
+    {
+        RecordFields fields = bytes_record({1, 2, 3});
+        fields.footer_size = size;
+        fields.units = {{{{1, 1}}, 3.0}};
+        fields.has_tag_dictionary = size >= 1432;
+        fields.tags = {{"key", "value"}};
+        VbfRecords built(1);
+        const RecordPlaces places = built.add_stack_record(fields);
+        open(built);
+        const StackPointer stack = file->get_stack(0);
+        EXPECT_EQ(stack->get_units(0).value_in_baseunits(), 3.0) << size;
+        EXPECT_EQ(stack->get_tag_keys().size(), size >= 1432 ? 1u : 0u) << size;
+        EXPECT_EQ(file->seek_to_end_of_stack(0), places.end) << size;
+    }
+}
+
+TEST_F(VbfStackDescription, WhatANewerFooterAddsIsSkipped)
+{
+    for (const std::uint32_t size : {1445u, 1448u, 1500u, 70000u})
+    {
+        RecordFields fields = bytes_record({1, 2, 3});
+        fields.footer_size = size;
+        fields.labels = {"behind it"};
+        fields.tags = {{"key", "value"}};
+        VbfRecords built(1);
+        built.add_stack_record(fields);
+        built.add_stack_record(bytes_record({9}));
+        open(built);
+        const StackPointer stack = file->get_stack(0);
+        EXPECT_EQ(stack->get_label(0), "behind it") << size;
+        EXPECT_EQ(stack->get_tag("key"), "value") << size;
+        EXPECT_EQ(read_whole(*file->get_stack(1), vela_dt_uint8), Bytes{9}) << size;
+    }
+}
+
+TEST_F(VbfStackDescription, ReadersUpToVersionFiveMayRead)
+{
+    for (const std::uint32_t version : {0u, 1u, 4u, 5u, 0xffffffffu})
+    {
+        RecordFields fields = bytes_record({1, 2, 3});
+        fields.required_reader_version = version;
+        EXPECT_NO_THROW(only_stack(fields)) << version;
+    }
+}
+
+TEST_F(VbfStackDescription, ARecordForNewerReadersIsRefused)
+{
+    const std::pair<std::uint32_t, const char*> versions[] = {
+        {6, "6"}, {7, "7"}, {100, "100"}, {0x7fffffff, "2147483647"}, {0x80000000, "-2147483648"}, {0xfffffffe, "-2"}};
+    for (const auto& [version, text] : versions)
+    {
+        RecordFields fields = bytes_record({1, 2, 3});
+        fields.required_reader_version = version;
+        EXPECT_VELA_ERROR_IN(only_stack(fields), "VBFStackImp::read_info", binary_io_folder, -4,
+                             std::string("Cannot read stack with file format reader version 5. Need >= ") + text + "!");
+        EXPECT_FALSE(file->is_open());
+    }
+}
+
+TEST_F(VbfStackDescription, AFooterThatCutsTheReaderVersionKeepsTheRestOfMinusOne)
+{
+    RecordFields fields = bytes_record({1, 2, 3});
+    fields.footer_size = 1443;
+    EXPECT_VELA_ERROR(only_stack(fields), -4,
+                      "Cannot read stack with file format reader version 5. Need >= -16777216!");
+}

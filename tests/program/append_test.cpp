@@ -1,0 +1,92 @@
+#include "build_vbf.h"
+#include "transfer_test.h"
+
+using namespace vela_test;
+using Json = nlohmann::json;
+
+namespace {
+
+class AppendTest : public TransferTest
+{
+};
+
+} // namespace
+
+TEST_F(AppendTest, ImagesBecomeFurtherStacks)
+{
+    const std::string file = vbf(ramp(2), "file.vbf", {"--creator", "somebody"});
+    output_of({"append", file, tiff(ramp(1, 100), "more.tif"), tiff(ramp(3, 200), "last.tif"), "--tag", "a=b"});
+    EXPECT_TRUE(in_order(file));
+    const Json listed = info(file);
+    EXPECT_EQ(listed.count("open"), 0u);
+    EXPECT_EQ(listed["stacks"].size(), 3u);
+    EXPECT_EQ(listed["stacks"][2]["name"], "last");
+    EXPECT_EQ(listed["stacks"][2]["tags"], Json({{"a", "b"}}));
+    EXPECT_EQ(samples(file, "0").size(), 32u);
+    EXPECT_EQ(samples(file, "1"), ramp(1, 100).pages[0]);
+    EXPECT_THAT(output_of({"ome", file}), testing::HasSubstr("Creator=\"somebody\""));
+}
+
+TEST_F(AppendTest, StacksOfAnotherFileAreAdded)
+{
+    const std::string file = vbf(ramp(1), "file.vbf");
+    const std::string other = vbf(ramp(2, 50), "other.vbf", {"--name", "other", "--tag", "k=v"});
+    const Bytes before = get_bytes(other);
+    output_of({"append", file, "--from", other});
+    output_of({"append", file, "--from", other});
+    EXPECT_TRUE(in_order(file));
+    EXPECT_EQ(info(file)["stacks"].size(), 3u);
+    EXPECT_EQ(info(file)["stacks"][2]["tags"], Json({{"k", "v"}}));
+    EXPECT_EQ(samples(file, "2"), samples(other));
+    EXPECT_EQ(get_bytes(other), before);
+}
+
+TEST_F(AppendTest, FileOfVersionOneStaysOne)
+{
+    FileRecipe old;
+    old.format_version = 1;
+    old.stacks = {plain_stack<std::uint8_t>({2}, 1, {1, 2})};
+    const std::string file = put(build_vbf(old));
+    output_of({"append", file, tiff(ramp(1))});
+    EXPECT_TRUE(in_order(file));
+    EXPECT_EQ(info(file)["format_version"], 1);
+    EXPECT_EQ(info(file)["stacks"].size(), 2u);
+}
+
+TEST_F(AppendTest, FailureLeavesAFileThatOpens)
+{
+    const std::string file = vbf(ramp(1), "file.vbf");
+    const Bytes before = get_bytes(file);
+    EXPECT_EQ(run({"append", file, path("missing.tif")}).status, 1);
+    EXPECT_EQ(get_bytes(file), before);
+
+    TiffRecipe recipe = ramp(2, 70);
+    recipe.compression = COMPRESSION_ADOBE_DEFLATE;
+    const std::string damaged = tiff(recipe, "damaged.tif");
+    Bytes bytes = get_bytes(damaged);
+    std::fill(bytes.begin() + 8, bytes.begin() + 24, std::uint8_t{0xff});
+    put_bytes(damaged, bytes);
+    EXPECT_EQ(run({"append", file, tiff(ramp(1, 9), "good.tif"), damaged}).status, 1);
+    EXPECT_TRUE(in_order(file));
+    EXPECT_EQ(info(file)["stacks"].size(), 2u);
+    EXPECT_EQ(samples(file, "1"), ramp(1, 9).pages[0]);
+}
+
+TEST_F(AppendTest, FileThatDoesNotOpenIsLeftAlone)
+{
+    FileRecipe recipe;
+    recipe.closed = false;
+    recipe.stacks = {plain_stack<std::uint8_t>({2}, 1, {1, 2})};
+    const Bytes bytes = build_vbf(recipe);
+    const std::string file = put(bytes);
+    EXPECT_EQ(run({"append", file, tiff(ramp(1))}).status, 1);
+    EXPECT_EQ(get_bytes(file), bytes);
+}
+
+TEST_F(AppendTest, OneSourceIsNeeded)
+{
+    const std::string file = vbf(ramp(1), "file.vbf");
+    expect_failure({"append", file}, 2, "Either TIFF files or --from is needed.");
+    expect_failure({"append", file, tiff(ramp(1)), "--from", file}, 2, "Either TIFF files or --from is needed.");
+    expect_failure({"append", file, "--from", file}, 2, "A file cannot be appended to itself.");
+}

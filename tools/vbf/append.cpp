@@ -1,0 +1,73 @@
+#include "append.h"
+
+#include "failure.h"
+#include "file_name.h"
+#include "repair_plan.h"
+#include "stack_copy.h"
+#include "tiff_stacks.h"
+
+#include <VelaBinaryIO/VBFFile.h>
+
+#include <filesystem>
+#include <functional>
+
+namespace {
+
+void mend_start(const std::string& path)
+{
+    VFile file(file_name(path), VFile::append_mode);
+    mend_in_place(file, plan_repair(file));
+}
+
+/// Opens the file, lets `add` add stacks, and closes it, so that it opens again.
+void append(const std::string& path, const std::function<void(VBFFileInterface&)>& add)
+{
+    const SourceNotes notes = read_notes(path); // the library does not read the document, and writes a new one
+    VBFFile file(file_name(path), VFile::append_mode);
+    try
+    {
+        if (notes.creator)
+            file->set_creator(*notes.creator);
+        if (notes.uuid)
+            file->set_uuid(*notes.uuid);
+        add(*file.operator->());
+        file->close();
+    }
+    catch (...)
+    {
+        file.reset(); // closes it if all stacks are finished
+        mend_start(path);
+        throw;
+    }
+    mend_start(path);
+}
+
+void check_source(const AppendOptions& options)
+{
+    if (options.images.empty() == options.from.empty())
+        throw UsageFailure("Either TIFF files or --from is needed.");
+    std::error_code one_is_missing;
+    if (!options.from.empty() && std::filesystem::equivalent(options.path, options.from, one_is_missing))
+        throw UsageFailure("A file cannot be appended to itself.");
+}
+
+} // namespace
+
+void append_stacks(const AppendOptions& options)
+{
+    check_source(options);
+    if (options.from.empty())
+    {
+        TiffStacks stacks(options.images, options.stack);
+        append(options.path, [&](VBFFileInterface& file) { stacks.add_to(file); });
+        return;
+    }
+    const SourceNotes notes = read_notes(options.from);
+    VBFFile source(file_name(options.from), VFile::read_mode);
+    append(options.path,
+           [&](VBFFileInterface& file)
+           {
+               VBFFileInterface& from = *source.operator->();
+               add_copies(from, notes, chosen_stacks(from, {}), file, std::nullopt);
+           });
+}

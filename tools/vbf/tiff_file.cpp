@@ -1,0 +1,239 @@
+#include "tiff_file.h"
+
+#include <tiffio.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <stdexcept>
+
+namespace {
+
+/// The id of samples with that format and that many bits.
+struct TypeRow
+{
+    std::uint32_t sample_format;
+    std::uint32_t bits;
+    vela_dt type;
+};
+
+constexpr std::array<TypeRow, 10> types = {{
+    {SAMPLEFORMAT_UINT, 8, vela_dt_uint8},
+    {SAMPLEFORMAT_INT, 8, vela_dt_int8},
+    {SAMPLEFORMAT_UINT, 16, vela_dt_uint16},
+    {SAMPLEFORMAT_INT, 16, vela_dt_int16},
+    {SAMPLEFORMAT_UINT, 32, vela_dt_uint32},
+    {SAMPLEFORMAT_INT, 32, vela_dt_int32},
+    {SAMPLEFORMAT_IEEEFP, 32, vela_dt_single},
+    {SAMPLEFORMAT_IEEEFP, 64, vela_dt_double},
+    {SAMPLEFORMAT_COMPLEXIEEEFP, 64, vela_dt_complex | vela_dt_single},
+    {SAMPLEFORMAT_COMPLEXIEEEFP, 128, vela_dt_complex | vela_dt_double},
+}};
+
+vela_dt find_type(std::uint32_t sample_format, std::uint32_t bits)
+{
+    const std::uint32_t format = sample_format == SAMPLEFORMAT_VOID ? SAMPLEFORMAT_UINT : sample_format;
+    for (const TypeRow& row : types)
+    {
+        if (row.sample_format == format && row.bits == bits)
+            return row.type;
+    }
+    return vela_dt_none;
+}
+
+std::size_t size_of(vela_dt type)
+{
+    return vela_dt_get_size(static_cast<std::uint32_t>(type));
+}
+
+} // namespace
+
+/// The strips or tiles of one page, as boxes of samples.
+class TiffFile::Blocks
+{
+public:
+    Blocks(TIFF* in_file, const Page& in_page, std::uint32_t in_sample)
+        : file(in_file), page(in_page), sample(in_sample), sample_bytes(size_of(in_page.type)),
+          pixel_bytes(sample_bytes * (in_page.planar ? 1 : in_page.samples_per_pixel)),
+          plane(std::size_t{in_page.width} * in_page.height * sample_bytes)
+    {
+    }
+
+    /// False where libtiff fails.
+    bool read()
+    {
+        std::uint32_t width = page.width;
+        std::uint32_t height = page.height;
+        if (page.tiled)
+        {
+            TIFFGetField(file, TIFFTAG_TILEWIDTH, &width);
+            TIFFGetField(file, TIFFTAG_TILELENGTH, &height);
+        }
+        else
+        {
+            TIFFGetFieldDefaulted(file, TIFFTAG_ROWSPERSTRIP, &height);
+            height = std::min(height, page.height);
+        }
+        const tmsize_t size_bytes = page.tiled ? TIFFTileSize(file) : TIFFStripSize(file);
+        if (width == 0 || height == 0 || size_bytes <= 0 ||
+            static_cast<std::uint64_t>(size_bytes) < std::uint64_t{width} * height * pixel_bytes)
+            return false;
+        block.resize(static_cast<std::size_t>(size_bytes));
+        for (std::uint32_t y = 0; y < page.height; y += std::min(height, page.height - y))
+        {
+            for (std::uint32_t x = 0; x < page.width; x += std::min(width, page.width - x))
+            {
+                const std::uint32_t rows = std::min(height, page.height - y);
+                if (!read_block(x, y, rows, width))
+                    return false;
+                copy(x, y, std::min(width, page.width - x), rows, width);
+            }
+        }
+        return true;
+    }
+
+    std::vector<unsigned char> take() { return std::move(plane); }
+
+private:
+    bool read_block(std::uint32_t x, std::uint32_t y, std::uint32_t rows, std::uint32_t width)
+    {
+        const auto plane_number = static_cast<std::uint16_t>(page.planar ? sample : 0);
+        if (page.tiled)
+            return TIFFReadTile(file, block.data(), x, y, 0, plane_number) >= 0;
+        const tmsize_t wanted = static_cast<tmsize_t>(std::size_t{rows} * width * pixel_bytes);
+        return TIFFReadEncodedStrip(file, TIFFComputeStrip(file, y, plane_number), block.data(), wanted) == wanted;
+    }
+
+    void copy(std::uint32_t x, std::uint32_t y, std::uint32_t columns, std::uint32_t rows, std::uint32_t block_width)
+    {
+        for (std::uint32_t row = 0; row < rows; ++row)
+        {
+            const unsigned char* source = block.data() + std::size_t{row} * block_width * pixel_bytes;
+            unsigned char* target = plane.data() + (std::size_t{y + row} * page.width + x) * sample_bytes;
+            if (pixel_bytes == sample_bytes)
+            {
+                std::memcpy(target, source, columns * sample_bytes);
+                continue;
+            }
+            source += sample * sample_bytes;
+            for (std::uint32_t column = 0; column < columns; ++column)
+                std::memcpy(target + column * sample_bytes, source + column * pixel_bytes, sample_bytes);
+        }
+    }
+
+    TIFF* file;
+    const Page& page;
+    const std::uint32_t sample;
+    const std::size_t sample_bytes;
+    const std::size_t pixel_bytes; ///< in a block
+    std::vector<unsigned char> plane;
+    std::vector<unsigned char> block;
+};
+
+TiffFile::TiffFile(const std::string& in_path) : path(in_path)
+{
+    file = open_tiff(path, "r", message);
+    if (!file)
+        fail(message.empty() ? "Cannot read" : message);
+    read_directory();
+}
+
+TiffFile::~TiffFile() = default;
+
+void TiffFile::fail(const std::string& text) const
+{
+    throw std::runtime_error("'" + path + "': " + text);
+}
+
+void TiffFile::read_directory()
+{
+    do
+    {
+        if ((number(TIFFTAG_SUBFILETYPE, 0) & FILETYPE_REDUCEDIMAGE) != 0)
+            continue;
+        const Page next = describe_page();
+        if (offsets.empty())
+        {
+            page = next;
+            read_texts();
+        }
+        else if (!(next == page))
+            fail("page " + std::to_string(offsets.size()) + " is not like the first one");
+        offsets.push_back(TIFFCurrentDirOffset(file.get()));
+    } while (TIFFReadDirectory(file.get()) != 0);
+    if (offsets.empty())
+        fail("there are no pages");
+}
+
+std::uint32_t TiffFile::number(std::uint32_t tag, std::uint32_t missing) const
+{
+    std::uint32_t result = 0;
+    return TIFFGetField(file.get(), tag, &result) != 0 ? result : missing;
+}
+
+TiffFile::Page TiffFile::describe_page() const
+{
+    TIFF* const tiff_file = file.get();
+    std::uint16_t bits = 1, sample_format = SAMPLEFORMAT_UINT, samples = 1, planar = PLANARCONFIG_CONTIG;
+    std::uint16_t photometric = PHOTOMETRIC_MINISBLACK, compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_COMPRESSION, &compression);
+    TIFFGetField(tiff_file, TIFFTAG_PHOTOMETRIC, &photometric);
+    if (compression == COMPRESSION_JPEG && photometric == PHOTOMETRIC_YCBCR)
+    {
+        TIFFSetField(tiff_file, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        photometric = PHOTOMETRIC_RGB;
+    }
+    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_BITSPERSAMPLE, &bits);
+    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_SAMPLEFORMAT, &sample_format);
+    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_SAMPLESPERPIXEL, &samples);
+    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_PLANARCONFIG, &planar);
+
+    Page result;
+    result.width = number(TIFFTAG_IMAGEWIDTH, 0);
+    result.height = number(TIFFTAG_IMAGELENGTH, 0);
+    result.samples_per_pixel = samples;
+    result.type = find_type(sample_format, bits);
+    result.tiled = TIFFIsTiled(tiff_file) != 0;
+    result.planar = planar == PLANARCONFIG_SEPARATE && samples > 1;
+    if (result.type == vela_dt_none)
+        fail("samples of " + std::to_string(bits) + " bits and format " + std::to_string(sample_format) +
+             " are not supported");
+    if (photometric == PHOTOMETRIC_YCBCR)
+        fail("this form of colours is not supported");
+    if (result.width == 0 || result.height == 0 || samples == 0)
+        fail("the image is empty");
+    if (std::uint64_t{result.height} > max_plane_bytes / size_of(result.type) / result.width)
+        fail("the image is too large: " + std::to_string(result.width) + " x " + std::to_string(result.height));
+    return result;
+}
+
+void TiffFile::read_texts()
+{
+    const char* text = nullptr;
+    if (TIFFGetField(file.get(), TIFFTAG_IMAGEDESCRIPTION, &text) != 0 && text != nullptr)
+        description = text;
+    float number_x = 0, number_y = 0;
+    if (TIFFGetField(file.get(), TIFFTAG_XRESOLUTION, &number_x) != 0)
+        resolution_x = static_cast<double>(number_x);
+    if (TIFFGetField(file.get(), TIFFTAG_YRESOLUTION, &number_y) != 0)
+        resolution_y = static_cast<double>(number_y);
+}
+
+std::uint64_t TiffFile::get_plane_bytes() const
+{
+    return std::uint64_t{page.width} * page.height * size_of(page.type);
+}
+
+std::vector<unsigned char> TiffFile::read_plane(std::uint64_t page_index, std::uint32_t sample)
+{
+    message.clear();
+    const auto refuse = [&]
+    { fail("page " + std::to_string(page_index) + " cannot be read" + (message.empty() ? "" : ": " + message)); };
+    if (TIFFSetSubDirectory(file.get(), offsets.at(page_index)) == 0)
+        refuse();
+    const Page current = describe_page(); // strips and tiles may differ from page to page
+    Blocks blocks(file.get(), current, sample);
+    if (!(current == page) || !blocks.read())
+        refuse();
+    return blocks.take();
+}

@@ -1,0 +1,43 @@
+#include "tiff_handle.h"
+
+#include <tiffio.h>
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <new>
+
+namespace {
+
+int keep_message(TIFF*, void* target, const char*, const char* format, va_list arguments)
+{
+    std::array<char, 512> buffer = {};
+    std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
+    *static_cast<std::string*>(target) = buffer.data();
+    return 1;
+}
+
+int drop_message(TIFF*, void*, const char*, const char*, va_list)
+{
+    return 1;
+}
+
+} // namespace
+
+void TiffCloser::operator()(tiff* file) const
+{
+    TIFFClose(file);
+}
+
+TiffHandle open_tiff(const std::string& path, const char* mode, std::string& message)
+{
+    TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
+    if (options == nullptr)
+        throw std::bad_alloc();
+    TIFFOpenOptionsSetErrorHandlerExtR(options, keep_message, &message);
+    TIFFOpenOptionsSetWarningHandlerExtR(options, drop_message, nullptr);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options, static_cast<tmsize_t>(max_tiff_bytes));
+    TiffHandle file(TIFFOpenExt(path.c_str(), mode, options));
+    TIFFOpenOptionsFree(options);
+    return file;
+}
