@@ -401,6 +401,14 @@ TEST_F(VbfOpening, AFileThatIsReadTakesNothingNew)
     EXPECT_EQ(get_bytes(path("test.vbf")), built.bytes());
 }
 
+TEST_F(VbfOpening, TheDocumentOfAFileIsNotReadFromIt)
+{
+    VbfRecords built(2);
+    built.add_dictionary({{"ome_xml", "<?xml version=\"1.0\"?><ome:OME Creator=\"somebody\"></ome:OME>"}});
+    open(built);
+    EXPECT_EQ(static_cast<std::string>(file->ome().creator), "");
+}
+
 TEST_F(VbfOpening, AFileThatIsNotOpenTakesNothingNew)
 {
     EXPECT_VELA_ERROR(file->add_stack(true), -1, "File not open for writing!");
@@ -454,6 +462,19 @@ TEST_F(VbfAttaching, TheStreamStandsBehindTheHeaderAfterwards)
     }
 }
 
+TEST_F(VbfAttaching, InAppendModeItStandsAtTheEnd)
+{
+    VbfRecords built(1, "text", start);
+    built.add_stack_record(bytes_record({1, 2, 3}));
+    AttachedFile attached(put(built), start);
+    attached.attach(VFile::append_mode);
+    EXPECT_EQ(attached.position(), built.size());
+    EXPECT_EQ(attached.file->get_mode(), VFile::append_mode);
+    EXPECT_EQ(attached.file->number_of_stacks(), 1u);
+    attached.file->detach();
+    EXPECT_EQ(get_bytes(path("test.vbf")), built.bytes());
+}
+
 TEST_F(VbfAttaching, DetachGivesTheHandleBackBehindTheDictionary)
 {
     VbfRecords built = two_stacks(start);
@@ -466,6 +487,16 @@ TEST_F(VbfAttaching, DetachGivesTheHandleBackBehindTheDictionary)
     EXPECT_FALSE(attached.file->is_open());
     EXPECT_EQ(attached.file->number_of_stacks(), 0u);
     EXPECT_TRUE(is_open_descriptor(attached.descriptor.get()));
+}
+
+TEST_F(VbfAttaching, DetachGivesAwayAHandleThatWasOpenedToo)
+{
+    const VbfRecords built = two_stacks();
+    open(built);
+    const Descriptor descriptor(vela_descriptor_from_handle(file->detach()));
+    EXPECT_FALSE(file->is_open());
+    EXPECT_TRUE(is_open_descriptor(descriptor.get()));
+    EXPECT_EQ(::lseek(descriptor.get(), 0, SEEK_CUR), static_cast<off_t>(built.size()));
 }
 
 TEST_F(VbfAttaching, WithoutADictionaryDetachLeavesTheStreamWhereItStands)

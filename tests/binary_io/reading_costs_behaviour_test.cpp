@@ -126,6 +126,36 @@ TEST_F(VbfReadingCosts, ACountThatLiesTakesNoMemory)
     }
 }
 
+TEST_F(VbfReadingCosts, ManyRecordsThatShareTheirBytesTakeNoMoreThanAFewFiles)
+{
+    constexpr std::uint32_t large = 1 << 19;
+    RecordFields fields = bytes_record({});
+    fields.header.format_version = 0;
+
+    VbfRecords names(1);
+    for (int i = 0; i < 500; ++i)
+    {
+        const RecordPlaces places = names.add_stack_record(fields);
+        names.set_u32_at(places.header + stack_name_length_at, large);
+    }
+    names.append(Bytes(large, 'n'));
+    EXPECT_LE(peak_of_opening(names), 32 * mebibyte);
+
+    VbfRecords tags(1);
+    std::vector<RecordPlaces> sharing;
+    for (int i = 0; i < 500; ++i)
+        sharing.push_back(tags.add_stack_record(fields));
+    fields.header.format_version = 5;
+    fields.tags = {{"key", std::string(large, 'v')}};
+    const RecordPlaces shared = tags.add_stack_record(fields);
+    for (const RecordPlaces& places : sharing)
+    {
+        tags.set_u32_at(places.header + stack_format_version_at, 5);
+        tags.set_u64_at(places.header + stack_data_length_at, shared.footer - places.data);
+    }
+    EXPECT_LE(peak_of_opening(tags), 32 * mebibyte);
+}
+
 TEST_F(VbfReadingCosts, AMillionPlanesTakeNoMoreThanOne)
 {
     const std::size_t one = peak_of_stack({4, 4, 1, 1, 1});
@@ -278,7 +308,7 @@ TEST_F(VbfReadingCosts, WhateverOneByteSaysMemoryStaysBounded)
     for (std::size_t at = 0; at < built.size(); ++at)
     {
         const unsigned char good = built.bytes()[at];
-        for (const int change : {0x01, 0x80, 0xff})
+        for (const int change : {0x01, 0xff})
         {
             const auto bad = static_cast<unsigned char>(good ^ change);
             ASSERT_EQ(::pwrite(writer.get(), &bad, 1, static_cast<off_t>(at)), 1);

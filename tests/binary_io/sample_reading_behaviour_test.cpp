@@ -411,3 +411,54 @@ TEST_F(VbfSampleReading, AStackThatIsNotWrittenYetCannotBeRead)
     EXPECT_VELA_ERROR(stack->read(vela_dt_uint8, bytes.data(), nullptr, 1, pos), -1, exhausted_text);
     EXPECT_EQ(bytes, Bytes(4, stale));
 }
+
+// ---- while a file is written
+
+TEST_F(VbfSampleReading, TheObjectThatWasWrittenCanBeReadWhenItIsComplete)
+{
+    file.open(file_name(path("new.vbf")), VFile::write_mode);
+    const StackPointer first = file->add_stack(false);
+    first->create(std::vector<std::uint64_t>{20}, vela_dt_uint8);
+    const Bytes data = counted_bytes(20);
+    first->write(vela_dt_uint8, data.data(), nullptr, 20);
+    ASSERT_EQ(first->get_state(), 0);
+    EXPECT_EQ(read_at(*first, vela_dt_uint8, 3, 17), (Bytes{17, 18, 19}));
+
+    // The other one is not disturbed.
+    const StackPointer second = file->add_stack(false);
+    second->create(std::vector<std::uint64_t>{6}, vela_dt_uint8);
+    second->write(vela_dt_uint8, data.data(), nullptr, 2);
+    EXPECT_EQ(read_whole(*first, vela_dt_uint8), data);
+    second->write(vela_dt_uint8, data.data() + 2, nullptr, 4);
+    EXPECT_EQ(read_whole(*first, vela_dt_uint8), data);
+    file->close();
+    Bytes bytes(20, stale);
+    EXPECT_VELA_ERROR(first->read(vela_dt_uint8, bytes.data(), nullptr), -1, closed_text);
+
+    file->open(file_name(path("new.vbf")), VFile::read_mode);
+    ASSERT_EQ(file->number_of_stacks(), 2u);
+    EXPECT_EQ(read_whole(*file->get_stack(0), vela_dt_uint8), data);
+    EXPECT_EQ(read_whole(*file->get_stack(1), vela_dt_uint8), slice(data, 0, 6));
+}
+
+TEST_F(VbfSampleReading, StacksThatWereThereAreReadWhileOthersAreAppended)
+{
+    VbfRecords built(1);
+    built.add_stack_record(compressed(sparse_bytes(5000)));
+    put(built);
+    file.open(file_name(path("test.vbf")), VFile::append_mode);
+    const StackPointer old = file->get_stack(0);
+    const StackPointer added = file->add_stack(false);
+    added->create(std::vector<std::uint64_t>{100}, vela_dt_uint8);
+    const Bytes data = noisy_bytes(100);
+    for (std::uint64_t i = 0; i < 10; ++i)
+    {
+        added->write(vela_dt_uint8, data.data() + 10 * i, nullptr, 10);
+        EXPECT_EQ(read_at(*old, vela_dt_uint8, 100, 400 * i), slice(sparse_bytes(5000), 400 * i, 400 * i + 100));
+    }
+    file->close();
+    file->open(file_name(path("test.vbf")), VFile::read_mode);
+    ASSERT_EQ(file->number_of_stacks(), 2u);
+    EXPECT_EQ(read_whole(*file->get_stack(0), vela_dt_uint8), sparse_bytes(5000));
+    EXPECT_EQ(read_whole(*file->get_stack(1), vela_dt_uint8), data);
+}

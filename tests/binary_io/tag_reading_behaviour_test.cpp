@@ -264,6 +264,16 @@ TEST_F(VbfTags, AValueThatIsNoNumberFailsAsOne)
     EXPECT_EQ(value, 42.0);
 }
 
+TEST_F(VbfTags, AColourIsASupportedTypeThatNoTextHolds)
+{
+    const StackPointer stack = with_tags({{"a", tag_xml("uint32", "1")}});
+    _s_vela_RGB colour(1, 2, 3);
+    const std::string failure = failure_of([&] { stack->get_tag("a", vela_dt_rgb, &colour); });
+    EXPECT_EQ(failure.rfind("VelaError -1 ", 0), 0u) << failure;
+    EXPECT_EQ(failure.find("Tag type not supported!"), std::string::npos);
+    EXPECT_EQ(colour, _s_vela_RGB(1, 2, 3));
+}
+
 TEST_F(VbfTags, ATagOfAStackThatIsReadChangesInMemoryAlone)
 {
     RecordFields fields = bytes_record({1});
