@@ -188,7 +188,7 @@ TEST_F(VbfDamagedRecords, AFlushPointCountWhoseBytesOverflowIsRefused)
     {
         VbfRecords built(1);
         const RecordPlaces places = built.add_stack_record(bytes_record({1}));
-        built.set_u64_at(places.footer + footer_flush_count_at, count);
+        built.set_u64_at(places.footer + footer_flush_point_count_at, count);
         expect_format_error(built, "Invalid flush_point_count in stack footer!");
     }
 }
@@ -200,7 +200,7 @@ TEST_F(VbfDamagedRecords, AFlushPointCountBeyondTheFileIsAFailedRead)
     {
         VbfRecords built(1);
         const RecordPlaces places = built.add_stack_record(bytes_record({1}));
-        built.set_u64_at(places.footer + footer_flush_count_at, count);
+        built.set_u64_at(places.footer + footer_flush_point_count_at, count);
         expect_short_read(built, count * 8);
     }
 }

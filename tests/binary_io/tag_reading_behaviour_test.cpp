@@ -107,7 +107,7 @@ TEST_F(VbfTags, AreNotReadWhereTheirLengthIsZero)
     fields.tags = {{"a", "b"}};
     VbfRecords built(1);
     const RecordPlaces places = built.add_stack_record(fields);
-    built.set_u64_at(places.footer + footer_tag_length_at, 0);
+    built.set_u64_at(places.footer + footer_tag_dictionary_length_at, 0);
     EXPECT_EQ(open(built)->get_stack(0)->get_tag_keys(), Keys());
 }
 
@@ -119,7 +119,7 @@ TEST_F(VbfTags, AnyOtherLengthIsOnlyTold)
     {
         VbfRecords built(1);
         const RecordPlaces places = built.add_stack_record(fields);
-        built.set_u64_at(places.footer + footer_tag_length_at, length);
+        built.set_u64_at(places.footer + footer_tag_dictionary_length_at, length);
         EXPECT_EQ(open(built)->get_stack(0)->get_tag("a"), "b") << length;
     }
 }
