@@ -177,6 +177,28 @@ TEST_F(Appending, OldStacksCannotBeWritten)
     EXPECT_VELA_ERROR(old->set_name("new"), -1, "Cannot set values. Object locked!");
 }
 
+TEST_F(Appending, OldStacksAreReadMeanwhile)
+{
+    VbfBytes built;
+    built.file_header(1);
+    built.stack({.name = "old", .format_version = 0, .data = numbered_bytes(12)});
+    put_file(built.bytes());
+    open_to_append();
+    const Stack old = file->get_stack(0);
+    const Stack added = add({12});
+    for (std::size_t i = 0; i < 12; ++i)
+    {
+        added->write(vela_dt_uint8, numbered_bytes(12).data() + i, nullptr, 1);
+        std::uint64_t pos = i;
+        unsigned char sample = 0xCD;
+        old->read(vela_dt_uint8, &sample, nullptr, 1, pos);
+        EXPECT_EQ(sample, i + 1);
+    }
+    file->close();
+    EXPECT_EQ(on_disk().stacks.at(0).data, numbered_bytes(12));
+    EXPECT_EQ(on_disk().stacks.at(1).data, numbered_bytes(12));
+}
+
 TEST_F(Appending, AFileThatIsNoVbfFileIsRefusedAndLeft)
 {
     put_file(noisy_bytes(200));

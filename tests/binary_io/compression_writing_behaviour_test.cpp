@@ -25,7 +25,7 @@ TEST_F(CompressionWriting, IsNoneAtLevelOneAtFirst)
     begin_file();
     const Stack stack = add({4, 3});
     EXPECT_EQ(compression_of(stack), std::pair(0, 1));
-    write_bytes(stack, counted_bytes(12));
+    write_bytes(stack, numbered_bytes(12));
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.compression_type, 0);
     EXPECT_EQ(written.compression_level, 1);
@@ -73,14 +73,14 @@ TEST_F(CompressionWriting, MayBeSetUntilTheFirstWrite)
     EXPECT_EQ(compression_of(stack), std::pair(1, 2));
     stack->create(Sizes{4, 3}, vela_dt_uint8);
     stack->set_compression(1, 3);
-    stack->write(vela_dt_uint8, counted_bytes(12).data(), nullptr, 5);
+    stack->write(vela_dt_uint8, numbered_bytes(12).data(), nullptr, 5);
     EXPECT_STACK_ERROR(stack->set_compression(0, 0), "set_compression", -1, no_change);
     EXPECT_EQ(compression_of(stack), std::pair(1, 3));
-    stack->write(vela_dt_uint8, counted_bytes(12).data() + 5, nullptr, 7);
+    stack->write(vela_dt_uint8, numbered_bytes(12).data() + 5, nullptr, 7);
     EXPECT_STACK_ERROR(stack->set_compression(0, 0), "set_compression", -1, no_change);
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.compression_level, 3);
-    EXPECT_EQ(written.samples(), counted_bytes(12));
+    EXPECT_EQ(written.samples(), numbered_bytes(12));
 }
 
 TEST_F(CompressionWriting, EveryLevelStoresTheSameSamples)
@@ -122,11 +122,11 @@ TEST_F(CompressionWriting, LevelsBelowOneStoreAndTheHeaderSaysOneAllTheSame)
         begin_file();
         const Stack stack = add({4, 3});
         stack->set_compression(1, level);
-        write_bytes(stack, counted_bytes(12));
+        write_bytes(stack, numbered_bytes(12));
         const WrittenStack written = close_file_with_one_stack();
         EXPECT_EQ(written.compression_type, 1);
         EXPECT_EQ(written.compression_level, level);
-        EXPECT_EQ(written.data, counted_bytes(12));
+        EXPECT_EQ(written.data, numbered_bytes(12));
     }
 }
 
@@ -135,10 +135,10 @@ TEST_F(CompressionWriting, LevelsOfTypeZeroAreWrittenAndMeanNothing)
     begin_file();
     const Stack stack = add({4, 3});
     stack->set_compression(0, -5);
-    write_bytes(stack, counted_bytes(12));
+    write_bytes(stack, numbered_bytes(12));
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.compression_level, -5);
-    EXPECT_EQ(written.data, counted_bytes(12));
+    EXPECT_EQ(written.data, numbered_bytes(12));
 }
 
 TEST_F(CompressionWriting, ALevelThatZlibDoesNotKnowFailsWithItsCode)
@@ -146,7 +146,7 @@ TEST_F(CompressionWriting, ALevelThatZlibDoesNotKnowFailsWithItsCode)
     begin_file();
     const Stack stack = add({4, 3});
     stack->set_compression(1, 10);
-    EXPECT_VELA_ERROR(write_bytes(stack, counted_bytes(12)), -10, "Zip error (id: -2)!");
+    EXPECT_VELA_ERROR(write_bytes(stack, numbered_bytes(12)), -10, "Zip error (id: -2)!");
     EXPECT_EQ(stack->get_state(), 2);
     EXPECT_EQ(on_disk().stacks.size(), 0u);
 }
@@ -162,7 +162,7 @@ TEST_F(CompressionWriting, UnknownTypesAreRefusedByTheFirstWriteAndNothingIsWrit
         const Stack stack = add({4, 3});
         EXPECT_NO_THROW(stack->set_compression(type, 1));
         EXPECT_EQ(compression_of(stack), std::pair(type, 1));
-        EXPECT_STACK_ERROR(write_bytes(stack, counted_bytes(12)), "write_header", -1, no_type);
+        EXPECT_STACK_ERROR(write_bytes(stack, numbered_bytes(12)), "write_header", -1, no_type);
         EXPECT_EQ(content(), before);
         EXPECT_STACK_ERROR(stack->set_compression(0, 1), "set_compression", -1, no_change);
         EXPECT_THROW(file->close(), VelaError);

@@ -21,25 +21,16 @@ protected:
     }
 };
 
-const std::vector<vela_dt> described_types = {vela_dt_uint8,  vela_dt_int8,  vela_dt_uint16, vela_dt_int16,
-                                              vela_dt_uint32, vela_dt_int32, vela_dt_single, vela_dt_double,
-                                              complex_single, complex_double};
-
 bool is_complex(vela_dt dt)
 {
     return (dt & vela_dt_complex) != 0;
 }
 
-std::uint64_t size_of(vela_dt dt)
-{
-    return vela_dt_get_size(static_cast<std::uint32_t>(dt));
-}
-
 TEST_F(ConversionWriting, EveryTypeIsWrittenFromEveryOtherAsTheBulkConversionDoes)
 {
     constexpr std::uint64_t count = 24;
-    for (const vela_dt from : described_types)
-        for (const vela_dt to : described_types)
+    for (const vela_dt from : types_of_stacks)
+        for (const vela_dt to : types_of_stacks)
         {
             if (is_complex(from) && !is_complex(to))
                 continue;
@@ -93,7 +84,7 @@ TEST_F(ConversionWriting, TheChunkMayChangeBetweenCalls)
 {
     begin_file();
     const Stack stack = add({100}, vela_dt_double);
-    const Bytes source = counted_bytes(100);
+    const Bytes source = numbered_bytes(100);
     const std::vector<double> expected(source.begin(), source.end());
     std::size_t written = 0;
     for (const std::uint32_t chunk : {16u, 800u, 0u, 24u, 100000u})
@@ -115,9 +106,9 @@ TEST_F(ConversionWriting, CallsMayDifferInTheirType)
     stack->write(vela_dt_uint8, first, nullptr, 2);
     stack->write(vela_dt_int32, second, nullptr, 1);
     stack->write(vela_dt_double, third, nullptr, 1);
-    stack->write(vela_dt_single, counted_bytes(4).data(), nullptr, 1);
+    stack->write(vela_dt_single, numbered_bytes(4).data(), nullptr, 1);
     const Bytes data = close_file_with_one_stack().data;
-    EXPECT_EQ(data, bytes_of_numbers(std::vector<float>{1.0f, 2.0f, -3.0f, 4.5f}) + counted_bytes(4));
+    EXPECT_EQ(data, bytes_of_numbers(std::vector<float>{1.0f, 2.0f, -3.0f, 4.5f}) + numbered_bytes(4));
 }
 
 TEST_F(ConversionWriting, TypesThatADescriptionCannotHaveMayBeInTheBuffer)
@@ -214,13 +205,13 @@ TEST_F(ConversionWriting, ARefusedTypeOnALaterCallLosesNothing)
 {
     begin_file();
     const Stack stack = add({4});
-    stack->write(vela_dt_uint8, counted_bytes(4).data(), nullptr, 1);
+    stack->write(vela_dt_uint8, numbered_bytes(4).data(), nullptr, 1);
     for (const vela_dt refused : {complex_single, complex_double, vela_dt_rgb, vela_dt_packed_color})
         EXPECT_STACK_ERROR(stack->write(refused, noisy_bytes(64).data(), nullptr, 3), "write", -1,
                            refusal(refused, vela_dt_uint8));
     EXPECT_EQ(stack->get_state(), 2);
-    stack->write(vela_dt_uint8, counted_bytes(4).data() + 1, nullptr, 3);
-    EXPECT_EQ(close_file_with_one_stack().data, counted_bytes(4));
+    stack->write(vela_dt_uint8, numbered_bytes(4).data() + 1, nullptr, 3);
+    EXPECT_EQ(close_file_with_one_stack().data, numbered_bytes(4));
 }
 
 TEST_F(ConversionWriting, ATypeWithoutSizeIsRefusedBeforeAnythingIsWritten)
@@ -242,7 +233,7 @@ TEST_F(ConversionWriting, TheTypeOfACommitDoesNotMatter)
     for (const vela_dt dt : {vela_dt_none, vela_dt_cell, complex_single, vela_dt_uint8, 3})
     {
         const Stack stack = add({2, 0});
-        stack->write(vela_dt_uint8, counted_bytes(2).data(), nullptr, 2);
+        stack->write(vela_dt_uint8, numbered_bytes(2).data(), nullptr, 2);
         stack->commit(dt);
         EXPECT_EQ(stack->get_state(), 0);
     }

@@ -124,7 +124,7 @@ TEST_F(FileDocumentWriting, SayNothingOfTheStacks)
     stack->set_name("cells");
     stack->set_description("of an onion");
     stack->set_acquisition_date();
-    write_bytes(stack, counted_bytes(12));
+    write_bytes(stack, numbered_bytes(12));
     EXPECT_EQ(file->ome().images.size(), 0u);
     EXPECT_EQ(document(), plain_document());
 }

@@ -148,7 +148,7 @@ TEST_F(FileHeaderWriting, TheFirstStackStandsBehindTheHeader)
     EXPECT_EQ(written.stacks[0].data_pos, 403u);
     EXPECT_EQ(written.stacks[0].footer_pos, 415u);
     EXPECT_EQ(written.stacks[0].data_length_on_disk, 12u);
-    EXPECT_EQ(slice(content(), 403, 415), counted_bytes(12));
+    EXPECT_EQ(slice(content(), 403, 415), numbered_bytes(12));
 }
 
 TEST_F(FileHeaderWriting, TheDictionaryHoldsTheDocumentOnceHoweverManyStacksThereAre)

@@ -40,53 +40,6 @@ TEST_F(FileStatesWriting, AFileIsOpenInItsModeUntilItIsClosed)
     EXPECT_EQ(file->get_mode(), -1);
 }
 
-TEST_F(FileStatesWriting, ClosingTwiceIsQuietAndChangesNothing)
-{
-    begin_file();
-    add_whole("a");
-    file->close();
-    const Bytes before = content();
-    EXPECT_NO_THROW(file->close());
-    EXPECT_EQ(content(), before);
-}
-
-TEST_F(FileStatesWriting, AFailedOpenLeavesNoOpenHandle)
-{
-    VBFFile other;
-    EXPECT_VELA_ERROR(other.open(file_name(path("missing/file.vbf")), VFile::write_mode), -1, "Could not open file!");
-    EXPECT_FALSE(other->is_open());
-    EXPECT_VELA_ERROR(other.open(file_name(path("missing.vbf")), VFile::append_mode), -1, "Could not open file!");
-    EXPECT_FALSE(other->is_open());
-    EXPECT_VELA_ERROR(VBFFile(file_name(path("missing/file.vbf")), VFile::write_mode), -1, "Could not open file!");
-}
-
-TEST_F(FileStatesWriting, AnOpenFileIsNotOpenedAgain)
-{
-    begin_file();
-    const boost::shared_ptr<VBFFileInterface> same = file.shared();
-    EXPECT_VELA_ERROR(same->open(file_name(path("other.vbf")), VFile::write_mode), -1,
-                      "File already open or attached!");
-    add_whole("a");
-    EXPECT_EQ(close_file().stacks.size(), 1u);
-    EXPECT_FALSE(std::filesystem::exists(path("other.vbf")));
-}
-
-TEST_F(FileStatesWriting, AFileThatIsWrittenIsAVbfFileWhateverItsName)
-{
-    file_path = path("written.dbl");
-    file.open(file_name(file_path), VFile::write_mode);
-    add_whole("a");
-    EXPECT_EQ(close_file().stacks.size(), 1u);
-}
-
-TEST_F(FileStatesWriting, NothingIsDoneToAFileThatIsNotOpen)
-{
-    EXPECT_NO_THROW(file->finish());
-    EXPECT_NO_THROW(file->close());
-    EXPECT_EQ(file->detach(), nullptr);
-    EXPECT_FALSE(file->is_open());
-}
-
 TEST_F(FileStatesWriting, FinishDoesNothingToAFileThatIsRead)
 {
     begin_file();
@@ -97,21 +50,6 @@ TEST_F(FileStatesWriting, FinishDoesNothingToAFileThatIsRead)
     EXPECT_NO_THROW(file->finish());
     EXPECT_NO_THROW(file->close());
     EXPECT_EQ(content(), before);
-}
-
-TEST_F(FileStatesWriting, AnUnknownModeIsRefusedByTheByteFile)
-{
-    EXPECT_VELA_ERROR(file.open(file_name(path("x.vbf")), static_cast<VFile::mode>(7)), -1,
-                      "Invalid file mode when opening file.");
-    EXPECT_FALSE(file->is_open());
-}
-
-TEST_F(FileStatesWriting, AnUnknownModeOfAnAttachedHandleIsInvalid)
-{
-    put_bytes(path("foreign"), {});
-    const Descriptor descriptor(path("foreign"), O_RDWR);
-    EXPECT_FILE_ERROR(file->attach(descriptor.handle(), static_cast<VFile::mode>(7)), "attach_imp", -15,
-                      "Invalid opening mode!");
 }
 
 TEST_F(FileStatesWriting, AnOpenFileCannotBeAttached)
@@ -228,13 +166,13 @@ TEST_F(FileStatesWriting, TwoFilesAreWrittenByTurns)
     const Stack there = add_to(other, {2, 5}, vela_dt_uint8);
     for (std::size_t i = 0; i < 5; ++i)
     {
-        here->write(vela_dt_uint8, counted_bytes(12).data() + 2 * i, nullptr, 2);
-        there->write(vela_dt_uint8, counted_bytes(10).data() + 2 * i, nullptr, 2);
+        here->write(vela_dt_uint8, numbered_bytes(12).data() + 2 * i, nullptr, 2);
+        there->write(vela_dt_uint8, numbered_bytes(10).data() + 2 * i, nullptr, 2);
     }
-    here->write(vela_dt_uint8, counted_bytes(12).data() + 10, nullptr, 2);
+    here->write(vela_dt_uint8, numbered_bytes(12).data() + 10, nullptr, 2);
     other->close();
-    EXPECT_EQ(close_file_with_one_stack().data, counted_bytes(12));
-    EXPECT_EQ(read_written(get_bytes(path("other.vbf"))).stacks.at(0).data, counted_bytes(10));
+    EXPECT_EQ(close_file_with_one_stack().data, numbered_bytes(12));
+    EXPECT_EQ(read_written(get_bytes(path("other.vbf"))).stacks.at(0).data, numbered_bytes(10));
 }
 
 TEST_F(FileStatesWriting, AStackOfAClosedFileIsNotWritten)
@@ -242,7 +180,7 @@ TEST_F(FileStatesWriting, AStackOfAClosedFileIsNotWritten)
     begin_file();
     const Stack stack = add_whole("a");
     file->close();
-    const Bytes samples = counted_bytes(12);
+    const Bytes samples = numbered_bytes(12);
     EXPECT_STACK_ERROR(stack->write(vela_dt_uint8, samples.data(), nullptr, 12), "write", -1, file_closed);
     EXPECT_STACK_ERROR(stack->commit(vela_dt_uint8), "write", -1, file_closed);
     EXPECT_EQ(stack->get_name(), "a");
@@ -268,7 +206,7 @@ TEST_F(FileStatesWriting, AStackThatOutlivesAFileThatCouldNotBeFinishedIsNotWrit
 {
     begin_file();
     const Stack stack = add({4, 3});
-    const Bytes samples = counted_bytes(12);
+    const Bytes samples = numbered_bytes(12);
     stack->write(vela_dt_uint8, samples.data(), nullptr, 5);
     EXPECT_VELA_ERROR(file->close(), -1, "Not enough samples written!");
     file.reset();
@@ -306,7 +244,7 @@ TEST_F(FileStatesWriting, AddStackGivesTheStackOfTheFileItself)
     stack->set_name("from outside");
     EXPECT_EQ(file->get_stack(0)->get_name(), "from outside");
     EXPECT_NE(file->get_stack(0), stack);
-    write_bytes(stack, counted_bytes(12));
+    write_bytes(stack, numbered_bytes(12));
     EXPECT_EQ(file->get_stack(0)->get_state(), 0);
 }
 
@@ -334,6 +272,69 @@ TEST_F(FileStatesWriting, WhatFailsInTheDestructorIsSwallowed)
     EXPECT_EQ(on_disk().stack_names(), std::vector<std::string>{"a"});
     EXPECT_EQ(on_disk().meta_data_pos, 0u);
     EXPECT_NO_THROW(file.open(file_name(file_path), VFile::write_mode)) << "the handle is closed";
+}
+
+// ---- the handles of a file
+
+TEST_F(FileStatesWriting, TheFileIsFinishedWithItsLastHandle)
+{
+    begin_file();
+    add_whole("a");
+    {
+        const VBFFile copy(file);
+        file.reset();
+        EXPECT_EQ(file.shared(), nullptr);
+        EXPECT_TRUE(copy->is_open());
+        EXPECT_EQ(on_disk().meta_data_pos, 0u);
+    }
+    EXPECT_EQ(complaints_about(on_disk()), "");
+    EXPECT_NE(on_disk().meta_data_pos, 0u);
+}
+
+TEST_F(FileStatesWriting, OpeningAgainFinishesTheFileBefore)
+{
+    begin_file();
+    add_whole("a");
+    file.open(file_name(path("second.vbf")), VFile::write_mode);
+    EXPECT_EQ(complaints_about(on_disk()), "");
+    EXPECT_NE(on_disk().meta_data_pos, 0u);
+    EXPECT_EQ(file->number_of_stacks(), 0u);
+}
+
+TEST_F(FileStatesWriting, TheSamePathMayBeOpenedAgain)
+{
+    begin_file();
+    add_whole("a");
+    file.open(file_name(file_path), VFile::read_mode);
+    EXPECT_EQ(file->number_of_stacks(), 1u);
+    file.open(file_name(file_path), VFile::write_mode);
+    EXPECT_EQ(content(), Bytes());
+    add_whole("b");
+    file.open(file_name(file_path), VFile::write_mode);
+    file->close();
+    EXPECT_EQ(on_disk().stacks.size(), 0u);
+}
+
+TEST_F(FileStatesWriting, OpeningAgainLeavesTheFileToItsOtherHandles)
+{
+    begin_file();
+    VBFFile copy(file);
+    file.open(file_name(path("second.vbf")), VFile::write_mode);
+    EXPECT_NE(copy.shared(), file.shared());
+    const Stack stack = add_to(copy, {4, 3}, vela_dt_uint8);
+    write_bytes(stack, numbered_bytes(12));
+    copy->close();
+    EXPECT_EQ(on_disk().stacks.size(), 1u);
+    EXPECT_TRUE(file->is_open());
+}
+
+TEST_F(FileStatesWriting, AnEmptyOneMayBeOpened)
+{
+    file.reset();
+    file.reset();
+    EXPECT_EQ(file.shared(), nullptr);
+    begin_file();
+    EXPECT_TRUE(file->is_open());
 }
 
 } // namespace

@@ -81,8 +81,8 @@ TEST_F(ProgressWriting, EachCallBeginsAChunk)
 {
     begin_watched_file(10);
     const Stack stack = add({20});
-    stack->write(vela_dt_uint8, counted_bytes(20).data(), nullptr, 3);
-    stack->write(vela_dt_uint8, counted_bytes(20).data(), nullptr, 17);
+    stack->write(vela_dt_uint8, numbered_bytes(20).data(), nullptr, 3);
+    stack->write(vela_dt_uint8, numbered_bytes(20).data(), nullptr, 17);
     EXPECT_EQ(progress.sizes_bytes, (Asked{3, 10, 7}));
 }
 
@@ -109,7 +109,7 @@ TEST_F(ProgressWriting, AnyAnswerButZeroGoesOn)
     {
         begin_watched_file(4);
         progress.answer = answer;
-        EXPECT_NO_THROW(write_bytes(add({8}), counted_bytes(8)));
+        EXPECT_NO_THROW(write_bytes(add({8}), numbered_bytes(8)));
         EXPECT_EQ(progress.sizes_bytes.size(), 2u);
     }
 }
@@ -118,9 +118,9 @@ TEST_F(ProgressWriting, WithoutACallbackNobodyIsAsked)
 {
     begin_watched_file(4);
     file->set_progress_callback(nullptr, nullptr);
-    write_bytes(add({8}), counted_bytes(8));
+    write_bytes(add({8}), numbered_bytes(8));
     EXPECT_EQ(progress.sizes_bytes, Asked());
-    EXPECT_EQ(close_file_with_one_stack().data, counted_bytes(8));
+    EXPECT_EQ(close_file_with_one_stack().data, numbered_bytes(8));
 }
 
 TEST_F(ProgressWriting, TheChunkIsOnDiskWhenTheCallbackIsAsked)
@@ -139,7 +139,7 @@ TEST_F(ProgressWriting, TheChunkIsOnDiskWhenTheCallbackIsAsked)
         }
     } watch = {file_path, {}};
     file->set_progress_callback(&Watch::ask, &watch);
-    write_bytes(add({10}), counted_bytes(10));
+    write_bytes(add({10}), numbered_bytes(10));
     EXPECT_EQ(watch.sizes, (std::vector<std::size_t>{402 + 4, 402 + 8, 402 + 10}));
 }
 
@@ -148,7 +148,7 @@ TEST_F(ProgressWriting, ACancelledChunkIsOnDiskButDoesNotCount)
     begin_watched_file(4);
     progress.cancel_at = 1;
     const Stack stack = add({12});
-    const Bytes samples = counted_bytes(12);
+    const Bytes samples = numbered_bytes(12);
     EXPECT_STACK_ERROR(write_bytes(stack, samples), "write", -11, cancelled);
     EXPECT_EQ(stack->get_state(), 2);
     EXPECT_EQ(content().size(), 402u + 8);
@@ -168,7 +168,7 @@ TEST_F(ProgressWriting, AStackWhoseLastChunkWasCancelledIsNotComplete)
     add_whole("before");
     progress.cancel_at = progress.sizes_bytes.size();
     const Stack stack = add({12});
-    EXPECT_STACK_ERROR(write_bytes(stack, counted_bytes(12)), "write", -11, cancelled);
+    EXPECT_STACK_ERROR(write_bytes(stack, numbered_bytes(12)), "write", -11, cancelled);
     EXPECT_EQ(stack->get_state(), 2);
     EXPECT_STACK_ERROR(stack->commit(0), "write", -1, "Not enough samples written!");
     EXPECT_STACK_ERROR(file->close(), "write", -1, "Not enough samples written!");
@@ -180,9 +180,9 @@ TEST_F(ProgressWriting, CancellingCanBeTriedAgainUntilItWorks)
     begin_watched_file(100);
     const Stack stack = add({3, 0});
     progress.cancel_at = 0;
-    EXPECT_STACK_ERROR(stack->write(vela_dt_uint8, counted_bytes(3).data(), nullptr, 3), "write", -11, cancelled);
+    EXPECT_STACK_ERROR(stack->write(vela_dt_uint8, numbered_bytes(3).data(), nullptr, 3), "write", -11, cancelled);
     EXPECT_EQ(stack->get_dimension_size(1), 0u);
-    stack->write(vela_dt_uint8, counted_bytes(3).data(), nullptr, 3);
+    stack->write(vela_dt_uint8, numbered_bytes(3).data(), nullptr, 3);
     EXPECT_EQ(stack->get_dimension_size(1), 1u);
 }
 
@@ -195,6 +195,25 @@ TEST_F(ProgressWriting, ACancelledConversionDoesNotCountEither)
     EXPECT_STACK_ERROR(stack->write(vela_dt_single, source.data(), nullptr, 6), "write", -11, cancelled);
     stack->write(vela_dt_single, source.data() + 2, nullptr, 4);
     EXPECT_EQ(close_file_with_one_stack().data, bytes_of_numbers(std::vector<std::uint16_t>{1, 2, 3, 4, 3, 4, 5, 6}));
+}
+
+TEST_F(ProgressWriting, ACancelledWriteIsTheLastError)
+{
+    begin_watched_file(100);
+    progress.cancel_at = 0;
+    try
+    {
+        write_bytes(add({4, 3}), numbered_bytes(12));
+        ADD_FAILURE() << "threw nothing";
+    }
+    catch (const VelaError& error)
+    {
+        EXPECT_EQ(error.process(), -11);
+    }
+    const std::string text = vela_bf_get_errorstring(-1);
+    EXPECT_EQ(text.rfind("Error in vbf module: Operation cancelled by caller\n", 0), 0u) << text;
+    EXPECT_NE(text.find("in function 'VBFStackImp::write':"), std::string::npos) << text;
+    EXPECT_NE(text.find(cancelled), std::string::npos) << text;
 }
 
 } // namespace

@@ -1,14 +1,42 @@
 /// What a stack record has to look like, byte by byte.
 #pragma once
 
-#include "support/vbf_bytes.h"
+#include <VelaProps/VProp.h>
+#include <VelaProps/VPropstruct.h>
+#include <VelaProps/property_xml.h>
+#include <VelaStacks/VStackPosition.h>
+#include <si/value.h>
+
 #include "support/dissected_vbf.h"
+#include "support/vbf_bytes.h"
 
 #include <map>
 #include <string>
 #include <vector>
 
 namespace vela_test {
+
+/// The metadata of a stack with this position, by the export that has tests of its own.
+inline std::string metadata_of(const VStackPosition& position)
+{
+    VProp tree;
+    tree["global_pos.axes"] = VProp(position.labels);
+    tree["global_pos.offset"] = VProp(position.origin);
+    tree["global_pos.projection"] = VProp(position.matrix);
+    std::string xml;
+    vela_export_xml(xml, tree, 2);
+    return xml;
+}
+
+/// The record of a unit.
+inline WrittenUnit unit_of(const si::value& unit)
+{
+    WrittenUnit result;
+    for (std::size_t i = 0; i < result.exponents.size(); ++i)
+        result.exponents[i] = {unit.exponent(i).numerator(), unit.exponent(i).denominator()};
+    result.number = unit.value_in_baseunits();
+    return result;
+}
 
 /// What was asked of a stack. Vectors by axis have the length of `sizes`.
 struct RecordModel

@@ -54,11 +54,11 @@ TEST_F(StackRecordWriting, OfAPlainStackIsHeaderDataFooterAndWhatFollows)
     begin_file();
     const Stack stack = add({4, 3});
     stack->set_label(0, "X");
-    write_bytes(stack, counted_bytes(12));
+    write_bytes(stack, numbered_bytes(12));
     RecordModel model({4, 3});
     model.labels = {"X", ""};
     model.metadata = plain_metadata;
-    model.data = counted_bytes(12);
+    model.data = numbered_bytes(12);
     expect_record(model);
 }
 
@@ -193,7 +193,7 @@ TEST_F(StackRecordWriting, EveryTypeKeepsItsIdAndItsBytes)
     {
         begin_file();
         const Stack stack = add({3, 2}, dt);
-        const Bytes samples = noisy_bytes(6 * vela_dt_get_size(static_cast<std::uint32_t>(dt)));
+        const Bytes samples = noisy_bytes(6 * size_of(dt));
         write_bytes(stack, samples);
         const WrittenStack written = close_file_with_one_stack();
         EXPECT_EQ(written.data_type, dt);
@@ -207,7 +207,7 @@ TEST_F(StackRecordWriting, AUnitStandsAsPairsOfNumeratorAndDenominatorAndANumber
     const Stack stack = add({2});
     stack->set_units(0, si::value("5 m"));
     stack->set_data_units(si::value("kg"));
-    write_bytes(stack, counted_bytes(2));
+    write_bytes(stack, numbered_bytes(2));
     const WrittenStack written = close_file_with_one_stack();
     WrittenUnit five_metres;
     five_metres.exponents[0] = {1, 1};
@@ -226,7 +226,7 @@ TEST_F(StackRecordWriting, UnitsStandAsTheyWereSetAndNotReduced)
     for (int i = 0; i < 9; ++i)
         exponents[static_cast<std::size_t>(i)] = si::fraction::unreduced(2 * i - 7, 4 - i);
     stack->set_units(1, si::value(-1.5e-300, exponents));
-    write_bytes(stack, counted_bytes(4));
+    write_bytes(stack, numbered_bytes(4));
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.dimension_units[0], WrittenUnit());
     for (int i = 0; i < 9; ++i)
@@ -242,7 +242,7 @@ TEST_F(StackRecordWriting, UnitsThatTheGetterGuessesAreNotWritten)
     stack->set_labels({"stage X", "stage Y"});
     stack->set_len({80.0, 0.001});
     ASSERT_FALSE(stack->get_units(0).is_dimensionless());
-    write_bytes(stack, counted_bytes(4));
+    write_bytes(stack, numbered_bytes(4));
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.dimension_units, std::vector<WrittenUnit>(2));
 }
@@ -253,7 +253,7 @@ TEST_F(StackRecordWriting, ColumnPositionsThatAGetterFilledAreWrittenToo)
     const Stack stack = add({4, 3});
     stack->set_len({4.0, 3.0});
     ASSERT_EQ(stack->get_col_positions(0).size(), 4u);
-    write_bytes(stack, counted_bytes(12));
+    write_bytes(stack, numbered_bytes(12));
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.has_col_positions, (std::vector<std::uint32_t>{1, 0}));
     EXPECT_EQ(written.col_positions.at(0), (std::vector<double>{-1.5, -0.5, 0.5, 1.5}));
@@ -267,7 +267,7 @@ TEST_F(StackRecordWriting, LabelsOfColumnsThatAnAxisHadBeforeArePadded)
     stack->set_col_labels(0, {"a", "b"});
     stack->create(Sizes{5, 2}, vela_dt_uint8);
     stack->set_tag("behind", "them");
-    write_bytes(stack, counted_bytes(10));
+    write_bytes(stack, numbered_bytes(10));
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.has_col_labels, (std::vector<std::uint32_t>{1, 0}));
     EXPECT_EQ(written.col_labels.at(0), (std::vector<std::string>{"a", "b", "", "", ""}));
@@ -279,9 +279,9 @@ TEST_F(StackRecordWriting, PositionsOfColumnsThatAnAxisHadBeforeAreFilledAnew)
     begin_file();
     const Stack stack = add({3, 0});
     stack->set_len(1, 4.0);
-    stack->write(vela_dt_uint8, counted_bytes(6).data(), nullptr, 6);
+    stack->write(vela_dt_uint8, numbered_bytes(6).data(), nullptr, 6);
     ASSERT_EQ(stack->get_col_positions(1).size(), 2u);
-    stack->write(vela_dt_uint8, counted_bytes(6).data(), nullptr, 6);
+    stack->write(vela_dt_uint8, numbered_bytes(6).data(), nullptr, 6);
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.has_col_positions, (std::vector<std::uint32_t>{0, 1}));
     EXPECT_EQ(written.col_positions.at(1), (std::vector<double>{-1.5, -0.5, 0.5, 1.5}));
@@ -291,12 +291,12 @@ TEST_F(StackRecordWriting, ThePositionIsThatOfTheLastMoment)
 {
     begin_file();
     const Stack stack = add({4, 3});
-    stack->write(vela_dt_uint8, counted_bytes(12).data(), nullptr, 11);
+    stack->write(vela_dt_uint8, numbered_bytes(12).data(), nullptr, 11);
     VStackPosition position;
     position.create(stack.get(), 3);
     position.origin[2] = 7.0;
     stack->set_stack_position(position);
-    stack->write(vela_dt_uint8, counted_bytes(12).data(), nullptr, 1);
+    stack->write(vela_dt_uint8, numbered_bytes(12).data(), nullptr, 1);
     EXPECT_EQ(close_file_with_one_stack().metadata, metadata_of(position));
 }
 
@@ -304,7 +304,7 @@ TEST_F(StackRecordWriting, TheMetadataStringOfTheStackIsThatOnDisk)
 {
     begin_file();
     const Stack stack = add({4, 3});
-    write_bytes(stack, counted_bytes(12));
+    write_bytes(stack, numbered_bytes(12));
     EXPECT_EQ(stack->get_meta_data_string(), close_file_with_one_stack().metadata);
 }
 
@@ -312,12 +312,12 @@ TEST_F(StackRecordWriting, TheDescriptionIsLockedFromTheFirstWriteOn)
 {
     begin_file();
     const Stack stack = add({4, 3});
-    stack->write(vela_dt_uint8, counted_bytes(12).data(), nullptr, 1);
+    stack->write(vela_dt_uint8, numbered_bytes(12).data(), nullptr, 1);
     EXPECT_VELA_ERROR_IN(stack->set_name("late"), "VStackInfoImp::set_name", "sources/stacks", -1,
                          "Cannot set values. Object locked!");
     EXPECT_VELA_ERROR_IN(stack->set_units(0, si::value("m")), "VStackInfoImp::set_units", "sources/stacks", -1,
                          "Cannot set values. Object locked!");
-    stack->write(vela_dt_uint8, counted_bytes(12).data(), nullptr, 11);
+    stack->write(vela_dt_uint8, numbered_bytes(12).data(), nullptr, 11);
     EXPECT_VELA_ERROR(stack->set_description("late"), -1, "Cannot set values. Object locked!");
 }
 

@@ -18,7 +18,7 @@ protected:
     static constexpr const char* no_layout = "Cannot set data layout!";
     static constexpr const char* not_described = "Stack not ready to be commited. Meta-information missing!";
 
-    const Bytes samples = counted_bytes(12);
+    const Bytes samples = numbered_bytes(12);
 
     void write(const Stack& stack, std::size_t begin, std::uint64_t count) const
     {
@@ -271,7 +271,7 @@ TEST_F(StackStatesWriting, TheTypeMayBeLeftToTheFirstCall)
     EXPECT_EQ(stack->get_dt(), 0);
     stack->write(vela_dt_uint16, noisy_bytes(24).data(), nullptr, 6);
     EXPECT_EQ(stack->get_dt(), vela_dt_uint16);
-    stack->write(vela_dt_uint8, counted_bytes(6).data(), nullptr, 6);
+    stack->write(vela_dt_uint8, numbered_bytes(6).data(), nullptr, 6);
     const WrittenStack written = close_file_with_one_stack();
     EXPECT_EQ(written.data_type, vela_dt_uint16);
     EXPECT_EQ(written.data,

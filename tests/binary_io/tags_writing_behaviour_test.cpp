@@ -1,6 +1,10 @@
 // Tags of a stack that is written.
 #include "binary_io/vbf_writing.h"
 
+#include <VelaProps/VProp.h>
+#include <VelaProps/VPropstruct.h>
+#include <VelaProps/property_xml.h>
+
 #include <gtest/gtest.h>
 
 #include <complex>
@@ -110,9 +114,9 @@ TEST_F(TagsWriting, MayBeSetBeforeTheDescriptionAndWhileSamplesAreWritten)
     stack->set_tag("before", "create");
     stack->create(Sizes{3}, vela_dt_uint8);
     stack->set_tag("behind", "create");
-    stack->write(vela_dt_uint8, counted_bytes(3).data(), nullptr, 2);
+    stack->write(vela_dt_uint8, numbered_bytes(3).data(), nullptr, 2);
     stack->set_tag("while", "writing");
-    stack->write(vela_dt_uint8, counted_bytes(3).data(), nullptr, 1);
+    stack->write(vela_dt_uint8, numbered_bytes(3).data(), nullptr, 1);
     const WrittenFile written = close_file();
     ASSERT_EQ(written.stacks.size(), 2u);
     EXPECT_EQ(written.stacks[1].tags, (WrittenPairs{{"before", "create"}, {"behind", "create"}, {"while", "writing"}}));

@@ -1,17 +1,11 @@
 /// A fixture for tests that write VBF files with the library and take them apart without it.
 #pragma once
 
-#include <VelaBinaryIO/VBFFile.h>
-#include <VelaBinaryIO/VBFStack.h>
-#include <VelaProps/VProp.h>
-#include <VelaProps/VPropstruct.h>
-#include <VelaProps/property_xml.h>
-
+#include "binary_io/sample_types.h"
+#include "binary_io/written_vbf.h"
+#include "support/dissected_vbf.h"
 #include "support/expect_vela_error.h"
 #include "support/sample_bytes.h"
-#include "support/temporary_folder.h"
-#include "support/vbf_bytes.h"
-#include "support/dissected_vbf.h"
 
 #include <cstring>
 #include <filesystem>
@@ -20,12 +14,7 @@
 
 namespace vela_test {
 
-typedef std::vector<std::uint64_t> Sizes;
-typedef boost::shared_ptr<VBFStackInterface> Stack;
-
 constexpr std::uint64_t all_samples = VBFStackInterface::all_samples;
-constexpr vela_dt complex_single = vela_dt_single | vela_dt_complex;
-constexpr vela_dt complex_double = vela_dt_double | vela_dt_complex;
 
 /// Failures of the two classes, with the place that they name.
 #define EXPECT_FILE_ERROR(statement, operation, id, text)                                                              \
@@ -44,7 +33,7 @@ Bytes bytes_of_numbers(const std::vector<T>& numbers)
 }
 
 /// 1, 2, 3 and so on.
-inline Bytes counted_bytes(std::size_t count)
+inline Bytes numbered_bytes(std::size_t count)
 {
     Bytes bytes(count);
     for (std::size_t i = 0; i < count; ++i)
@@ -63,28 +52,6 @@ inline const std::string& plain_document()
     return text;
 }
 
-/// The metadata of a stack with this position, by the export that has tests of its own.
-inline std::string metadata_of(const VStackPosition& position)
-{
-    VProp tree;
-    tree["global_pos.axes"] = VProp(position.labels);
-    tree["global_pos.offset"] = VProp(position.origin);
-    tree["global_pos.projection"] = VProp(position.matrix);
-    std::string xml;
-    vela_export_xml(xml, tree, 2);
-    return xml;
-}
-
-/// The record of a unit.
-inline WrittenUnit unit_of(const si::value& unit)
-{
-    WrittenUnit result;
-    for (std::size_t i = 0; i < result.exponents.size(); ++i)
-        result.exponents[i] = {unit.exponent(i).numerator(), unit.exponent(i).denominator()};
-    result.number = unit.value_in_baseunits();
-    return result;
-}
-
 /// A new stack of `file` with these sizes and this type.
 inline Stack add_to(VBFFile& file, const Sizes& sizes, vela_dt dt, bool empty = false)
 {
@@ -96,8 +63,7 @@ inline Stack add_to(VBFFile& file, const Sizes& sizes, vela_dt dt, bool empty = 
 /// Writes all bytes of `data` as samples of the type of the stack.
 inline void write_bytes(const Stack& stack, const Bytes& data)
 {
-    stack->write(stack->get_dt(), data.data(), nullptr,
-                 data.size() / vela_dt_get_size(static_cast<std::uint32_t>(stack->get_dt())));
+    stack->write(stack->get_dt(), data.data(), nullptr, data.size() / size_of(stack->get_dt()));
 }
 
 class VbfWritingTest : public FolderTest
@@ -122,7 +88,7 @@ protected:
     {
         const Stack stack = add({4, 3});
         stack->set_name(name);
-        write_bytes(stack, counted_bytes(12));
+        write_bytes(stack, numbered_bytes(12));
         return stack;
     }
 

@@ -111,11 +111,11 @@ TEST_F(WriteStack, TakesTheDefaultCompression)
 TEST_F(WriteStack, LeavesTheStackInMemoryAsItIs)
 {
     VStackImp stack(Ome::Type::uint8, {4, 3}, Ome::DimensionOrder::XYZTC);
-    fill(stack, counted_bytes(12));
+    fill(stack, numbered_bytes(12));
     begin_file();
     file->write_stack(&stack, vela_dt_uint16);
     EXPECT_EQ(stack.get_dt(), vela_dt_uint8);
-    EXPECT_EQ(Bytes(stack.get_data_ptr(), stack.get_data_ptr() + 12), counted_bytes(12));
+    EXPECT_EQ(Bytes(stack.get_data_ptr(), stack.get_data_ptr() + 12), numbered_bytes(12));
     EXPECT_NO_THROW(stack.set_name("not locked"));
 }
 
@@ -170,10 +170,10 @@ TEST_F(WriteStack, CommitsTheStackBefore)
     VStackImp stack(Ome::Type::uint8, {4, 3}, Ome::DimensionOrder::XYZTC);
     begin_file();
     const Stack open = add({2, 0});
-    open->write(vela_dt_uint8, counted_bytes(4).data(), nullptr, 4);
+    open->write(vela_dt_uint8, numbered_bytes(4).data(), nullptr, 4);
     file->write_stack(&stack, 0);
     EXPECT_EQ(open->get_state(), 0);
-    add({5})->write(vela_dt_uint8, counted_bytes(5).data(), nullptr, 2);
+    add({5})->write(vela_dt_uint8, numbered_bytes(5).data(), nullptr, 2);
     EXPECT_STACK_ERROR(file->write_stack(&stack, 0), "write", -1, "Not enough samples written!");
     EXPECT_EQ(on_disk().stacks.size(), 2u);
 }
