@@ -243,6 +243,7 @@ TEST_F(TagsWriting, OfEveryTypeAreReadAgain)
     expect_read_again<float>(64, 1.1f);
     expect_read_again<double>(128, 0.1);
     expect_read_again<std::uint32_t>(2048, 17);
+    expect_read_again<bool>(0x10000, true);
     expect_read_again<std::uint64_t>(4096, ~0ull);
     expect_read_again<std::int64_t>(8192, INT64_MIN);
     expect_read_again<std::complex<unsigned char>>(0x40000001, {1, 2});
@@ -305,6 +306,16 @@ TEST_F(TagsWriting, ATextThatIsNoXmlFailsWhenItIsReadTyped)
     EXPECT_THROW(stack->get_tag("key", 32, &number), VelaError);
     EXPECT_THROW(stack->get_tag("key", 16384, &tree), VelaError);
     EXPECT_EQ(stack->get_tag("key"), "no xml");
+}
+
+TEST_F(TagsWriting, OfOneTypeAreNotReadAsAnother)
+{
+    const std::int32_t five = 5;
+    stack->set_tag("key", vela_dt_int32, &five);
+    double number = 1.0;
+    EXPECT_VELA_ERROR(stack->get_tag("key", vela_dt_double, &number), -1,
+                      "Type mismatch: found int32, expected double");
+    EXPECT_EQ(number, 1.0);
 }
 
 TEST_F(TagsWriting, AnUnknownTypeOfATagThatIsThereIsRefused)

@@ -155,6 +155,23 @@ TEST_F(WriteStack, OfNoElementsIsNotVariable)
     EXPECT_EQ(written.data_present, 1u);
 }
 
+TEST_F(WriteStack, SamplesThatTheBlockNoLongerHasAreZero)
+{
+    VStackImp stack(Ome::Type::uint16, {100}, Ome::DimensionOrder::XYZTC);
+    fill(stack, noisy_bytes(200));
+    VStackImp sharing(stack);
+    sharing.create(Sizes{30}, vela_dt_uint16);
+    begin_file();
+    file->write_stack(&stack, 0);
+    sharing.create(Sizes{0}, vela_dt_uint16);
+    file->set_default_compression(1, 1);
+    file->write_stack(&stack, 0);
+    const WrittenFile written = close_file();
+    ASSERT_EQ(written.stacks.size(), 2u);
+    EXPECT_EQ(written.stacks[0].data, slice(noisy_bytes(200), 0, 60) + Bytes(140, 0));
+    EXPECT_EQ(written.stacks[1].samples(), Bytes(200, 0));
+}
+
 TEST_F(WriteStack, NeedsAFileThatIsOpenForWriting)
 {
     VStackImp stack(Ome::Type::uint8, {4, 3}, Ome::DimensionOrder::XYZTC);
