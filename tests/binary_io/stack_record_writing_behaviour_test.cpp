@@ -274,6 +274,20 @@ TEST_F(StackRecordWriting, LabelsOfColumnsThatAnAxisHadBeforeArePadded)
     EXPECT_EQ(written.tags, (WrittenPairs{{"behind", "them"}}));
 }
 
+TEST_F(StackRecordWriting, LabelsOfColumnsThatAnAxisNoLongerHasAreLeftOut)
+{
+    begin_file();
+    const Stack stack = file->add_stack(false);
+    EXPECT_THROW(stack->create(Sizes{2, 2, 2, 2, 2, 2}, vela_dt_uint8), std::invalid_argument);
+    stack->set_col_labels(0, {"a", "b"});
+    stack->set_col_positions(0, {5.0, 6.0});
+    stack->create(Sizes{1, 2}, vela_dt_uint8);
+    write_bytes(stack, numbered_bytes(2));
+    const WrittenStack written = close_file_with_one_stack();
+    EXPECT_EQ(written.col_labels.at(0), std::vector<std::string>{"a"});
+    EXPECT_EQ(written.col_positions.at(0), std::vector<double>{0.0});
+}
+
 TEST_F(StackRecordWriting, PositionsOfColumnsThatAnAxisHadBeforeAreFilledAnew)
 {
     begin_file();
@@ -298,6 +312,24 @@ TEST_F(StackRecordWriting, ThePositionIsThatOfTheLastMoment)
     stack->set_stack_position(position);
     stack->write(vela_dt_uint8, numbered_bytes(12).data(), nullptr, 1);
     EXPECT_EQ(close_file_with_one_stack().metadata, metadata_of(position));
+}
+
+TEST_F(StackRecordWriting, TheMetadataOfOneAxisAreArraysOfOneNumber)
+{
+    begin_file();
+    const Stack stack = add({2});
+    stack->set_label(0, "X");
+    write_bytes(stack, numbered_bytes(2));
+    EXPECT_EQ(close_file_with_one_stack().metadata,
+              "<root idx=\"1\" type=\"struct\" size=\"1 1\" vprop_version=\"1\">\n"
+              "    <global_pos idx=\"1\" type=\"struct\" size=\"1 1\">\n"
+              "        <axes idx=\"1\" userbits=\"1\" type=\"cell\" size=\"1\">\n"
+              "            <item idx=\"0\" type=\"char\" size=\"1 1\">X</item>\n"
+              "        </axes>\n"
+              "        <offset idx=\"1\" isarr=\"1\" userbits=\"0\" type=\"double\" size=\"1\">0</offset>\n"
+              "        <projection idx=\"1\" isarr=\"1\" userbits=\"0\" type=\"double\" size=\"1 1\">1</projection>\n"
+              "    </global_pos>\n"
+              "</root>\n");
 }
 
 TEST_F(StackRecordWriting, TheMetadataStringOfTheStackIsThatOnDisk)
