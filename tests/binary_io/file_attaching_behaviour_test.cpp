@@ -5,12 +5,6 @@ using namespace vela_test;
 
 namespace {
 
-constexpr VFile::mode unknown_mode = static_cast<VFile::mode>(3);
-constexpr const char* no_header = "No VBF file header found!";
-constexpr const char* bad_position = "Invalid stack position specified in header!";
-constexpr const char* bad_stack_header = "Stack header not in vbf format!";
-constexpr const char* function_attach = "VBFFileImp::attach_imp";
-
 class VbfAttaching : public VbfOpening
 {
 protected:

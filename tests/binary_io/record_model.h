@@ -8,7 +8,10 @@
 #include <si/value.h>
 
 #include "support/dissected_vbf.h"
+#include "support/sample_bytes.h"
 #include "support/vbf_bytes.h"
+
+#include <gtest/gtest.h>
 
 #include <map>
 #include <string>
@@ -188,6 +191,17 @@ inline Bytes record_bytes(const RecordModel& model, std::uint64_t pos, std::uint
     for (std::size_t i = 0; i < end.size(); ++i)
         bytes[footer + 1432 + i] = end[i];
     return bytes;
+}
+
+/// The record of `written` in the bytes of its file is that of `model`, but for what is not defined.
+inline void expect_record(Bytes file_bytes, const WrittenStack& written, const RecordModel& model)
+{
+    clear_undefined(file_bytes, written);
+    const Bytes expected = record_bytes(model, written.pos, written.next_stack_pos);
+    const Bytes found = slice(file_bytes, static_cast<std::size_t>(written.pos), static_cast<std::size_t>(written.end));
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i)
+        ASSERT_EQ(found[i], expected[i]) << "byte " << i << " of the record";
 }
 
 } // namespace vela_test

@@ -54,10 +54,7 @@ TEST_F(WriteStack, WritesSamplesAndDescription)
     model.col_positions[1] = {1.0, 2.0, 4.0};
     model.col_labels[2] = {"front", "back"};
     model.metadata = metadata_of(position);
-    Bytes bytes = content();
-    clear_undefined(bytes, written);
-    EXPECT_EQ(slice(bytes, static_cast<std::size_t>(written.pos), static_cast<std::size_t>(written.end)),
-              record_bytes(model, written.pos, 0));
+    expect_record(content(), written, model);
 }
 
 TEST_F(WriteStack, LeavesOutTheUnits)
