@@ -67,6 +67,50 @@ TEST_F(VBFFileMemory, LabelsThatAreThereTakeNoMoreThanTheyNeed)
     EXPECT_LE(watch.peak_extra_bytes(), count * sizeof(std::string) + mebibyte / 2);
 }
 
+TEST_F(VBFFileMemory, MetadataOfNothingButElementsAreRefusedBeforeTheirTreeIsBuilt)
+{
+    const std::string native_root = "<root idx=\"1\" type=\"struct\" size=\"1 1\" vprop_version=\"1\">";
+    for (const std::string& element : {std::string("<a/>"), std::string("<a b=''/>"), std::string("<a/>x")})
+        for (const std::string& root : {std::string("<root>"), native_root})
+        {
+            std::string xml = root;
+            while (xml.size() < 12 * mebibyte)
+                xml += element;
+            RecordFields fields = bytes_record({1, 2});
+            fields.metadata = xml + "</root>";
+            put(file_of(1, fields));
+            const VPropstring name = file_name(path("test.vbf"));
+            file.reset();
+            const AllocationWatch watch;
+            try
+            {
+                file.open(name, VFile::read_mode);
+                ADD_FAILURE() << "it opened";
+            }
+            catch (const VelaError& error)
+            {
+                EXPECT_EQ(error.get_id(), -1);
+                EXPECT_EQ(error.get_msg().rfind("Invalid metadata found!\n", 0), 0U) << error.get_msg();
+                EXPECT_NE(error.get_msg().find("Too many elements in metadata!"), std::string::npos);
+            }
+            EXPECT_LE(watch.peak_extra_bytes(), 64 * mebibyte);
+        }
+}
+
+TEST_F(VBFFileMemory, MetadataOfManyPropertiesOpen)
+{
+    std::string xml = "<root idx=\"1\" type=\"struct\" size=\"1 1\" vprop_version=\"1\">";
+    constexpr int count = 180000; // six nodes each
+    for (int i = 0; i < count; ++i)
+        xml += "<value" + std::to_string(i) + " idx=\"1\" type=\"double\" size=\"1 1\">1.5</value" + std::to_string(i) +
+               ">\n";
+    RecordFields fields = bytes_record({1, 2});
+    fields.header.format_version = 2; // before the position was among them
+    fields.metadata = xml + "</root>";
+    file.open(file_name(put(file_of(1, fields))), VFile::read_mode);
+    EXPECT_EQ(file->get_stack(0)->get_meta_data_string(), xml + "</root>");
+}
+
 TEST_F(VBFFileMemory, StacksShareMetadataThatAreEqual)
 {
     RecordFields fields = bytes_record({1, 2});
