@@ -23,7 +23,7 @@
 class VStackInterface;
 
 /// Asked while samples are moved: the bytes of the chunk, in the type of the stack, and the pointer that was given
-/// along. 0 cancels.
+/// along. 0 cancels; what it throws comes out of the call that moves the samples.
 typedef int (*vela_progress_callback)(std::uint64_t size_bytes, void* user);
 
 /// The operations of a VBF file. A file is closed, open for reading, or open for writing.
@@ -152,7 +152,8 @@ public:
     /// @throws what `add_stack`, `create` and `write` throw
     virtual void write_stack(VStackInterface* stack, int flags) = 0;
 
-    /// Reads a stack with its samples. `flags` is the sample type in memory, 0 for the stack's own.
+    /// Reads a stack with its samples. `flags` is the sample type in memory, 0 for the stack's own. The zeros of a
+    /// stack without samples on disk take memory only where somebody writes to them.
     /// @throws what `get_stack`, `create` and `read` throw
     virtual boost::shared_ptr<VStackInterface> read_stack(std::uint64_t index, int flags) = 0;
 

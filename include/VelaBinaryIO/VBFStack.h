@@ -20,6 +20,8 @@
 /// In addition to what `VStackInfoInterface` says, each `create` fails when there is a description already:
 /// @throws VelaError id -1 "Cannot set data layout!"
 ///
+/// What `VStackInfoInterface::create` throws leaves the state -1, in which `create` may be called again.
+///
 /// **File.** The stack does not own its file, and knows it until the file is closed. Afterwards the description and the
 /// tags can still be looked at; reading and writing samples fail:
 /// @throws VelaError id -1 "Cannot access VBFStack, file has been closed!"
@@ -77,25 +79,45 @@ public:
     /// callback of the file is asked behind each chunk. `all_samples` in the first call of a variable stack writes
     /// nothing and commits it.
     ///
-    /// A failure leaves the stack in state 2, without a footer and outside the chain of the file. A compressed stack
-    /// whose samples could not all be written cannot go on: committing it is "File not open!", id -1. Samples of a
-    /// chunk after which the caller cancelled are on disk, but do not count.
+    /// **Failures.** What is wrong before anything of the stack is written leaves it in state 1, as if there had been
+    /// no call, and so does a header that the system refuses, for want of space for instance. Any other failure leaves
+    /// it in state 2, without a footer and outside the chain of the file:
+    /// - The first call was refused behind that, for its imaginary buffer, its count or a header that cannot be: the
+    ///   stack has no header on disk and cannot be completed. What is written to it is "Trying to write to file in read
+    ///   mode!", id -1, or one of the failures below. `add_stack` and `close` say the same, since they commit.
+    /// - A compressed stack whose samples could not all be written cannot be completed either: "File not open!", id -1.
+    /// - Footer and link: `commit` tries them again, and so do `add_stack` and `close`.
+    ///
+    /// Samples count chunk by chunk. **A chunk after which the callback cancelled or threw is on disk, but does not
+    /// count**: do not write on. What is written next stands behind that chunk, so all samples from there on would be
+    /// shifted, and a stack of known size be complete with the wrong ones. A variable stack can be committed: it has
+    /// the samples that were counted.
+    ///
+    /// The callback may close or destroy the file, or complete the stack. The call then fails as one on such a stack
+    /// does. It must not write to the stack.
     ///
     /// @throws VelaError id -1 "Stack not ready to be commited. Meta-information missing!": there is no description
     /// @throws VelaError id -1 "Stack is already complete. Invalid call to write()!"
-    /// @throws VelaError id -1 "Trying to write to empty stack!": the stack was added as empty, and `count` is not 0
-    /// @throws VelaError id -1 "Stack data type not set. Cannot commit stack to file!"
+    /// @throws VelaError id -1 "Trying to write to empty stack!": the stack was added as empty, and `count` is not 0;
+    ///         before anything is written
+    /// @throws VelaError id -1 "Stack data type not set. Cannot commit stack to file!": before anything is written
+    /// @throws std::invalid_argument "Unsupported data type": the type was left open, and OME does not have that of
+    ///         these samples; before anything is written, and the type stays open
     /// @throws VelaError id -1 "Imaginary block given but buffer is already complex!"
     /// @throws VelaError id -1 "Imaginary block given but stack is not complex!"
     /// @throws VelaError id -1 "Trying to write more samples than the stack is long!"
-    /// @throws VelaError id -1 "Not on sample boundary!": a variable stack is committed inside a step, or its step has
-    ///         no samples
+    /// @throws VelaError id -1 "Not on sample boundary!": a variable stack is committed inside a step; or its step has
+    ///         no samples, and that before anything is written
     /// @throws VelaError id -1 "Not enough samples written!": committed too early
     /// @throws VelaError id -1 "Invalid compression type specified!": nothing of the stack is written, and it cannot be
     ///         completed any more
-    /// @throws VelaError id -1 "Size of axis %d does not fit the file format!" on the axis: 2^32 columns or more;
-    ///         before anything is written
-    /// @throws VelaError id -1 "Rank %d does not fit the file format!": more than 15 axes; before anything is written
+    /// @throws VelaError id -1 "Size of axis %d does not fit the file format!" on the axis: 2^32 columns or more.
+    ///         Nothing of the stack is written, and it cannot be completed any more; a variable stack is as before the
+    ///         call that would make it grow to that
+    /// @throws VelaError id -1 "Rank %d does not fit the file format!": more than 15 axes. Nothing of the stack is
+    ///         written, and it cannot be completed any more
+    /// @throws VelaError id -1 "The size increases the maximum size": more bytes than 64 bits can count; before
+    ///         anything is written
     /// @throws std::invalid_argument "Unsupported number of sizes": samples for a variable stack of more than five
     ///         axes; before anything is written
     /// @throws VelaError id -1 "String too long for its 4-byte length!": a text of 2^32 bytes or more
@@ -103,7 +125,8 @@ public:
     ///         type of the stack; also where one of them has no size, and then before anything is written
     /// @throws VelaError id -11 "Cancelled by user!"
     /// @throws VelaError id -1 "Invalid meta information! Could not export to xml.\n%s" on what `vela_export_xml` says
-    /// @throws what `VZippedSegment` and `VFile` throw
+    /// @throws VelaError id -1 "Cannot access VBFStack, file has been closed!": also by the callback
+    /// @throws what `VZippedSegment` and `VFile` throw, and what the callback throws
     virtual void write(int type, const void* data, const void* imag, std::uint64_t count) = 0;
 
     /// `write(type, nullptr, nullptr, 0)`.
@@ -117,7 +140,10 @@ public:
     ///
     /// `pos` becomes the position behind them, or `exhausted` at the end of the stack. Given as `continued` it is where
     /// the last `read` of this object ended. The position of the file is put back. A stack without data on disk gives
-    /// zeros and leaves `pos` alone. The progress callback of the file is asked before each chunk.
+    /// zeros and leaves `pos` alone. The progress callback of the file is asked before each chunk. It may close or
+    /// destroy the file, which ends the read.
+    ///
+    /// A failure leaves `pos` and what `continued` stands for as they were.
     ///
     /// Reading on costs no seek. A jump costs reading from the last flush point on; see `set_flush_block_size`.
     ///
@@ -128,10 +154,11 @@ public:
     /// @throws VelaError id -1 "Invalid position in segment!": `pos` is not below the number of samples
     /// @throws VelaError id -1 "Invalid on-the-fly conversion from '%s' to '%s'!" on the names of the type of the stack
     ///         and of `type`; also where that of the stack has no size
-    /// @throws VelaError id -4 "Invalid dimension_sizes in stack header!": the samples have more bytes than can be
-    ///         counted
+    /// @throws VelaError id -4 "Invalid dimension_sizes in stack header!": the samples, in the type of the stack or
+    ///         as they are asked for, have more bytes than can be counted
     /// @throws VelaError id -11 "Cancelled by user!"
-    /// @throws what `VZippedSegment` and `VFile` throw
+    /// @throws VelaError id -1 "Cannot access VBFStack, file has been closed!": also by the callback
+    /// @throws what `VZippedSegment` and `VFile` throw, and what the callback throws
     virtual std::uint64_t read(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos) = 0;
 
     /// How the samples will be stored: `type` 0 as they are, 1 with zlib at `level` (0 is as they are, too). Not tested

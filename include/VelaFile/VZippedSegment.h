@@ -122,7 +122,8 @@ public:
     /// @throws VelaError id -10 "Zip error (%d)!" on zlib's code.
     void read(void* dest, std::uint64_t count) override;
 
-    /// Writes `count` bytes. With null `data` and `count` 0 it finishes the stream as `write_end` does.
+    /// Writes `count` bytes. With null `data` and `count` 0 it finishes the stream as `write_end` does; null `data`
+    /// and a `count` above 0 are a failing write.
     ///
     /// @throws VelaError id -1 "Trying to write to file in read mode!", also when never initialised for writing
     /// @throws VelaError id -1 "File not open!": the file was closed, or `end()` was called.

@@ -19,8 +19,7 @@ VBFFile::~VBFFile() = default;
 
 void VBFFile::open(const VPropstring& path, VFile::mode mode)
 {
-    // The old file goes first: its lock would be in the way of opening the same path again.
-    file.reset();
+    // The old file goes before the new one is opened: its lock would be in the way of opening the same path again.
     file = boost::make_shared<VBFFileImp>();
     file->open(path, mode);
 }

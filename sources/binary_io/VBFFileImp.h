@@ -58,10 +58,13 @@ public:
 
     /// Writes the file header unless that is done. The first `write` of a stack calls it.
     void write_file_header();
-    /// Links a stack whose footer is written into the chain.
     /// @throws VelaError id -1 "Invalid call to on_stack_finished()!": not the last stack
-    void on_stack_finished(VBFStackImp* stack);
-    /// False when the caller cancels.
+    void require_last(const VBFStackImp* stack) const;
+    /// Links a stack whose footer is written into the chain. A failure leaves the chain as it was.
+    /// @throws what `require_last` throws
+    void on_stack_finished(const VBFStackImp* stack);
+    bool has_progress_callback() const { return progress_callback != nullptr; }
+    /// False when the caller cancels. The callback may have destroyed this.
     bool report_progress(std::uint64_t size_bytes) const;
     /// @}
 
@@ -93,6 +96,7 @@ private:
     VBFFileInfo read_front(Vela::detail::ReadAhead& stream);
     void read_chain(Vela::detail::ReadAhead& stream, std::uint64_t first_stack_pos);
     void shrink_finished_stacks();
+    boost::shared_ptr<VBFStackImp> copy_of(std::uint64_t index);
     void remember_handle(const boost::shared_ptr<VBFStackImp>& copy);
     /// -1: not a path of such a file.
     int open_bf_dbl(const VPropstring& path);

@@ -6,6 +6,7 @@
 
 #include "sources/binary_io/StackRecord.h"
 #include "sources/binary_io/VBFStackImp.h"
+#include "sources/binary_io/size_of.h"
 #include "sources/stacks/block_size.h"
 
 #include <boost/make_shared.hpp>
@@ -23,7 +24,7 @@ void write_zeros(VBFStackInterface& stack, vela_dt dt, std::uint64_t count)
 {
     constexpr std::uint64_t samples_at_once = 0x10000;
     const std::uint64_t most = std::min(count, samples_at_once);
-    const std::vector<unsigned char> zeros(most * vela_dt_get_size(static_cast<std::uint32_t>(dt)));
+    const std::vector<unsigned char> zeros(most * Vela::detail::size_of(dt));
     for (std::uint64_t left = count; left != 0; left -= std::min(left, most))
         stack.write(dt, zeros.data(), nullptr, std::min(left, most));
 }
@@ -67,7 +68,7 @@ void VBFFileImp::write_stack(VStackInterface* stack, int flags)
     const boost::shared_ptr<VBFStackInterface> added = add_stack(false);
     added->create(stack, flags);
     const vela_dt dt = stack->get_dt();
-    const std::uint64_t sample_size = vela_dt_get_size(static_cast<std::uint32_t>(dt));
+    const std::uint64_t sample_size = Vela::detail::size_of(dt);
     const std::uint64_t count = added->get_number_of_elements();
     const unsigned char* const samples = static_cast<const VStackInterface*>(stack)->get_data_ptr();
     // Somebody who shares the samples may have made the block smaller than the description says.

@@ -4,6 +4,7 @@
 
 #include "sources/binary_io/VBFFileImp.h"
 #include "sources/binary_io/VBFStackImp.h"
+#include "sources/binary_io/size_of.h"
 #include "sources/file/file_errors.h"
 
 #include <boost/make_shared.hpp>
@@ -44,7 +45,7 @@ int VBFFileImp::open_bf_dbl(const VPropstring& path)
         throw VelaError("VBFFileImp::open_bf_dbl", __FILE__, __LINE__)("Error reading .dbl file!")(-4);
 
     const vela_dt dt = stored == is_double ? vela_dt_double : vela_dt_single;
-    std::uint64_t data_length = vela_dt_get_size(static_cast<std::uint32_t>(dt));
+    std::uint64_t data_length = Vela::detail::size_of(dt);
     std::vector<std::uint64_t> stack_sizes;
     std::vector<double> stack_lengths;
     // The first dimension below 2 ends the axes, whatever stands behind it.

@@ -32,6 +32,11 @@ void VBFFileImp::Entry::lose_file() const
 
 boost::shared_ptr<VBFStackInterface> VBFFileImp::get_stack(std::uint64_t index)
 {
+    return copy_of(index);
+}
+
+boost::shared_ptr<VBFStackImp> VBFFileImp::copy_of(std::uint64_t index)
+{
     if (index >= stacks.size())
         throw VelaError("VBFFileImp::get_stack", __FILE__, __LINE__)("Invalid stack index %d!",
                                                                      Vela::detail::low_bits(index))(-4);
@@ -53,8 +58,14 @@ void VBFFileImp::remember_handle(const boost::shared_ptr<VBFStackImp>& copy)
 
 boost::shared_ptr<VStackInterface> VBFFileImp::read_stack(std::uint64_t index, int flags)
 {
-    const boost::shared_ptr<VBFStackInterface> stored = get_stack(index);
+    const boost::shared_ptr<VBFStackImp> stored = copy_of(index);
     const auto stack = boost::make_shared<VStackImp>();
+    if (stored->is_without_data())
+    {
+        // Zeros that nobody looks at take no memory: a small file may promise more of them than there is.
+        stack->create(stored.get(), flags);
+        return stack;
+    }
     Vela::StackFiller::create(*stack, stored.get(), flags,
                               [&] { stored->read(stack->get_dt(), stack->get_data_ptr(), nullptr); });
     return stack;

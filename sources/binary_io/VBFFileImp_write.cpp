@@ -79,11 +79,16 @@ void VBFFileImp::finish()
         last->commit(vela_dt_none);
 }
 
-void VBFFileImp::on_stack_finished(VBFStackImp* stack)
+void VBFFileImp::require_last(const VBFStackImp* stack) const
 {
     if (stacks.empty() || stacks.back().object() != stack)
         throw VelaError("VBFFileImp::on_stack_finished", __FILE__,
                         __LINE__)("Invalid call to on_stack_finished()!")(-1);
+}
+
+void VBFFileImp::on_stack_finished(const VBFStackImp* stack)
+{
+    require_last(stack);
     if (next_field_pos != 0)
         Vela::detail::FieldPatch(*this, tell(), "VBFFileImp::on_stack_finished")
             .put(next_field_pos, stack->get_header_pos());

@@ -2,22 +2,17 @@
 
 #include <VelaBase/VelaError.h>
 
+#include "sources/binary_io/VBFFileImp.h"
+#include "sources/binary_io/size_of.h"
 #include "sources/stacks/product.h"
+
+#include <algorithm>
 
 VBFStackInterface::~VBFStackInterface() = default;
 
 VBFStackImp::VBFStackImp(VBFFileImp* in_file) : file(in_file) {}
 
-VBFStackImp::VBFStackImp(const VBFStackImp& other)
-    : VStackInfoInterface(other), VBFStackInterface(other), VStackInfoImp(other), tags(other.tags), file(other.file),
-      empty(other.empty), compression_type(other.compression_type), compression_level(other.compression_level),
-      state(other.state), footer_written(other.footer_written), has_own_ome_record(other.has_own_ome_record),
-      data_pos(other.data_pos), data_length(other.data_length), header_pos(other.header_pos),
-      stack_end_pos(other.stack_end_pos), samples_per_step(other.samples_per_step), samples_left(other.samples_left),
-      samples_written(other.samples_written), read_pos(other.read_pos), variable(other.variable),
-      flush_block_size(other.flush_block_size), flush_positions(other.flush_positions)
-{
-}
+VBFStackImp::VBFStackImp(const VBFStackImp& other) = default;
 
 VBFStackImp::~VBFStackImp() = default;
 
@@ -93,4 +88,13 @@ void VBFStackImp::set_flush_block_size(std::uint64_t size_bytes)
 int VBFStackImp::get_state() const
 {
     return state;
+}
+
+/// Room for `count` samples of the stack, which are at most a chunk. It grows by doubling, or a caller who takes a few
+/// more samples each time would pay for it each time.
+unsigned char* VBFStackImp::get_scratch(std::uint64_t count)
+{
+    const std::uint64_t sample_size = Vela::detail::size_of(get_dt());
+    const std::uint64_t chunk_bytes = std::max<std::uint64_t>(file->get_chunk_size(), sample_size);
+    return scratch.get(count * sample_size, chunk_bytes);
 }

@@ -1,9 +1,13 @@
 /// The stack of a VBF file.
 #pragma once
 
+#include <VelaBinaryIO/VBFHeaders.h>
 #include <VelaBinaryIO/VBFStack.h>
 #include <VelaFile/VZippedSegment.h>
 #include <VelaStacks/VStackInfo.h>
+
+#include "sources/binary_io/NotCopied.h"
+#include "sources/binary_io/ScratchBuffer.h"
 
 #include <cstdint>
 #include <map>
@@ -66,6 +70,8 @@ public:
     void set_plain_data(const std::vector<std::uint64_t>& in_sizes, const std::vector<double>& in_lengths,
                         vela_dt in_dt, std::uint64_t in_data_pos, std::uint64_t in_data_length);
     std::uint64_t get_header_pos() const { return header_pos; }
+    /// Complete, and all samples are zeros that are not on disk.
+    bool is_without_data() const { return state == 0 && empty; }
     /// Whether a stack made from `to_record()` is the same for everybody who looks at it.
     bool fits_record() const;
     /// `like`, where not null, is the record of another stack, with which what is equal is shared.
@@ -76,6 +82,7 @@ public:
 
 private:
     struct ReadTarget;
+    class FilePosition;
 
     void require_no_description() const;
     template <class CreateBase>
@@ -84,32 +91,44 @@ private:
     std::uint64_t read_imp(int type, void* data, void* imag, std::uint64_t count, std::uint64_t& pos);
     void require_readable(std::uint64_t first) const;
     void require_imaginary_parts(vela_dt type) const;
-    void start_reading(vela_dt type);
+    void require_countable_bytes(vela_dt type) const;
+    void read_chunks(std::uint64_t first, std::uint64_t count, ReadTarget target, FilePosition& file_position);
+    void move_to(std::uint64_t sample);
     void read_chunk(std::uint64_t count, const ReadTarget& target);
 
     // The steps of `write`.
     void require_writable() const;
     std::uint64_t begin_writing(int type, const void* imag, std::uint64_t count);
-    void require_sample_sizes(int type, std::uint64_t count) const;
+    void take_type(int type);
+    void require_countable_samples(int type, std::uint64_t count) const;
     void require_steps(std::uint64_t count) const;
     void require_imaginary_place(int type, const void* imag) const;
     void require_room(std::uint64_t count) const;
-    void judge_commit(bool starting);
+    void require_complete() const;
     void start_record();
     void write_samples(int type, const void* data, const void* imag, std::uint64_t count);
+    void require_still_open(std::uint64_t count) const;
     void take_steps();
     const unsigned char* in_stack_type(int type, const unsigned char* data, const unsigned char* imag,
                                        std::uint64_t count);
-    void to_segment(const void* data, std::uint64_t size_bytes);
+    template <class Operation>
+    void with_stream(Operation operation);
+    std::uint64_t end_stream();
     void finish_record();
-    void link();
+    void require_place_in_chain();
+    unsigned char* get_scratch(std::uint64_t count);
 
     // Header and footer on disk.
-    void write_header();
+    VBFStackHeader make_header() const;
+    void write_header(const VBFStackHeader& header);
     void write_footer();
     void compose_metadata();
     void write_behind_footer(VFileAccess& stream) const;
     void patch_record(std::uint64_t footer_pos, std::uint64_t end_pos) const;
+
+    /// What `VZippedSegment::is_initialized` says.
+    static constexpr int segment_reads = 1;
+    static constexpr int segment_writes = 2;
 
     std::map<std::string, std::string> tags;
     VBFFileImp* file;
@@ -117,7 +136,6 @@ private:
     std::int32_t compression_type = 0;
     std::int32_t compression_level = 1;
     std::int32_t state = -1;
-    bool footer_written = false;
     bool has_own_ome_record = false; ///< somebody may have put more into it than the description says
     std::uint64_t data_pos = 0;
     std::uint64_t data_length = 0; ///< bytes on disk
@@ -126,9 +144,9 @@ private:
     std::uint64_t samples_per_step = 1;
     std::uint64_t samples_left = 0;
     std::uint64_t samples_written = 0;
-    std::uint64_t read_pos = 0;         ///< in samples
-    std::vector<unsigned char> scratch; ///< one chunk, for conversion
-    VZippedSegment segment;
+    std::uint64_t read_pos = 0;                                   ///< in samples
+    Vela::detail::NotCopied<Vela::detail::ScratchBuffer> scratch; ///< one chunk at most, for conversion
+    Vela::detail::NotCopied<VZippedSegment> segment;
     bool variable = false;                                  ///< the last axis grows while samples are written
     std::uint64_t flush_block_size = VFileAccess::all_ones; ///< bytes; all ones: not chosen yet
     std::vector<std::uint64_t> flush_positions;

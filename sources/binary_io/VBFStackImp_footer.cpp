@@ -72,7 +72,8 @@ void write_labels(VFileAccess& stream, const std::vector<std::string>& labels, s
 
 } // namespace
 
-void VBFStackImp::write_header()
+/// What a header cannot say is refused.
+VBFStackHeader VBFStackImp::make_header() const
 {
     VBFStackHeader header = {};
     fill_axes(header, *this);
@@ -86,7 +87,11 @@ void VBFStackImp::write_header()
     header.data_present = empty ? 0 : 1;
     header.name_length = length_of(get_name(), in_header);
     header.description_length = length_of(get_description(), in_header);
+    return header;
+}
 
+void VBFStackImp::write_header(const VBFStackHeader& header)
+{
     Vela::detail::WriteBehind stream(*file);
     stream.write_value(header);
     stream.write_str(get_name(), false);

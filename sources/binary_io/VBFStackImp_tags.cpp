@@ -87,7 +87,7 @@ void VBFStackImp::set_tag(const std::string& key, int type, const void* value)
 
 void VBFStackImp::set_tag(const std::string& key, const std::string& text)
 {
-    tags[key] = text;
+    tags.insert_or_assign(key, text); // which leaves no key without a text where memory fails
 }
 
 std::string VBFStackImp::get_tag(const std::string& key) const

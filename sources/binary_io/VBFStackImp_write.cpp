@@ -1,12 +1,14 @@
 // Writing the samples of a stack. Header and footer are in VBFStackImp_footer.cpp.
 #include "sources/binary_io/VBFStackImp.h"
 
+#include <Ome/enums.h>
 #include <VelaBase/VelaError.h>
 #include <VelaBase/vela_dt_convert.h>
 
 #include "sources/binary_io/VBFFileImp.h"
 #include "sources/binary_io/file_format.h"
 #include "sources/binary_io/flush_block.h"
+#include "sources/binary_io/move_back.h"
 #include "sources/binary_io/size_of.h"
 
 #include <algorithm>
@@ -48,7 +50,7 @@ void VBFStackImp::write(int type, const void* data, const void* imag, std::uint6
         count = begin_writing(type, imag, count);
     require_imaginary_place(type, imag);
     if (count == 0)
-        judge_commit(starting);
+        require_complete();
     else
         require_room(count);
     // A variable stack has nothing left at any time, so only a commit finishes it.
@@ -71,28 +73,20 @@ void VBFStackImp::require_writable() const
         throw_write(__LINE__, "Stack is already complete. Invalid call to write()!");
 }
 
-/// What the first call does before anything of the stack is on disk. Gives the samples to write. From here on the
-/// stack has to be finished, whatever else is wrong with this call.
+/// What the first call does before anything of the stack is on disk. Gives the samples to write. What is wrong with
+/// this call beyond that leaves a stack that cannot be completed: it is in state 2 and has no header.
 std::uint64_t VBFStackImp::begin_writing(int type, const void* imag, std::uint64_t count)
 {
+    const bool takes_samples = variable || !empty;
+    if (!takes_samples && count != 0)
+        throw_write(__LINE__, "Trying to write to empty stack!");
     samples_written = 0;
-    if (variable)
-        count = count == all_samples ? 0 : count;
-    else if (empty)
-    {
-        if (count != 0)
-            throw_write(__LINE__, "Trying to write to empty stack!");
-    }
-    else
-    {
-        samples_left = get_number_of_elements();
-        count = count == all_samples ? samples_left : count;
-    }
+    samples_left = takes_samples && !variable ? get_number_of_elements() : 0;
+    if (count == all_samples)
+        count = samples_left;
     if (get_dt() == vela_dt_none)
-        set_variable_type(imag != nullptr ? type | vela_dt_complex : type);
-    if (get_dt() == vela_dt_none)
-        throw_write(__LINE__, "Stack data type not set. Cannot commit stack to file!");
-    require_sample_sizes(type, count);
+        take_type(imag != nullptr ? type | vela_dt_complex : type);
+    require_countable_samples(type, count);
     if (variable && count != 0)
         require_steps(count);
     file->write_file_header();
@@ -100,11 +94,25 @@ std::uint64_t VBFStackImp::begin_writing(int type, const void* imag, std::uint64
     return count;
 }
 
-/// Samples without a size can be neither counted nor moved.
-void VBFStackImp::require_sample_sizes(int type, std::uint64_t count) const
+/// The type of a stack that was left open.
+void VBFStackImp::take_type(int type)
 {
-    if (size_of(get_dt()) == 0 || (count != 0 && size_of(type) == 0))
+    // Refused before it is taken: no reader would open a file with such a stack, and it could have no other type.
+    if (size_of(type) != 0)
+        Ome::get_type(type);
+    set_variable_type(type);
+    if (get_dt() == vela_dt_none)
+        throw_write(__LINE__, "Stack data type not set. Cannot commit stack to file!");
+}
+
+/// Samples without a size can be neither counted nor moved, nor can more bytes than 64 bits count.
+void VBFStackImp::require_countable_samples(int type, std::uint64_t count) const
+{
+    const std::uint64_t sample_size = size_of(get_dt());
+    if (sample_size == 0 || (count != 0 && size_of(type) == 0))
         throw_conversion(__LINE__, type, get_dt());
+    if (get_number_of_elements() > std::numeric_limits<std::uint64_t>::max() / sample_size)
+        throw_write(__LINE__, "The size increases the maximum size");
 }
 
 /// A variable stack grows by whole steps, and by no more than its header can say.
@@ -139,8 +147,8 @@ void VBFStackImp::require_room(std::uint64_t count) const
         require_steps(count);
 }
 
-/// Whether what has been written so far is a stack.
-void VBFStackImp::judge_commit(bool starting)
+/// What has been written so far has to be a stack.
+void VBFStackImp::require_complete() const
 {
     if (variable)
     {
@@ -149,18 +157,25 @@ void VBFStackImp::judge_commit(bool starting)
     }
     else if (!empty && samples_left != 0)
         throw_write(__LINE__, "Not enough samples written!");
-    // A stack whose first call failed has no header, and one whose stream failed has lost samples. Neither may get a
-    // footer, and the segment says so.
-    if (!starting && segment.is_initialized() != 2)
-        segment.write_end();
-    state = 0;
 }
 
+/// Header and stream. Where the system refuses them, the stack is as it was before its first call.
 void VBFStackImp::start_record()
 {
+    const VBFStackHeader header = make_header();
     header_pos = file->tell();
-    write_header();
-    segment.init_w(*file, compression_type == 1 ? compression_level : 0, VFileAccess::all_ones);
+    try
+    {
+        write_header(header);
+        segment.init_w(*file, compression_type == 1 ? compression_level : 0, VFileAccess::all_ones);
+    }
+    catch (...)
+    {
+        Vela::detail::move_back(*file, header_pos);
+        locked = false;
+        state = 1;
+        throw;
+    }
     flush_block_size = Vela::detail::choose_flush_block(get_sizes(), size_of(get_dt()), flush_block_size);
     if (flush_block_size != 0)
         segment.set_flush_block_size(flush_block_size);
@@ -177,11 +192,11 @@ void VBFStackImp::write_samples(int type, const void* data, const void* imag, st
     while (count != 0)
     {
         const std::uint64_t n = std::min(chunk, count);
-        to_segment(in_stack_type(type, real_part, imaginary_part, n), n * sample_size);
+        const unsigned char* const samples = in_stack_type(type, real_part, imaginary_part, n);
+        with_stream([&] { segment.write(samples, n * sample_size); });
         if (!file->report_progress(n * sample_size))
             throw VelaError("VBFStackImp::write", __FILE__, __LINE__)("Cancelled by user!")(-11);
-        if (file == nullptr)
-            throw_file_closed(__LINE__); // by the callback
+        require_still_open(n);
         count -= n;
         samples_written += n;
         if (!variable)
@@ -191,6 +206,14 @@ void VBFStackImp::write_samples(int type, const void* data, const void* imag, st
             imaginary_part += n * buffer_sample_size;
     }
     take_steps();
+}
+
+/// The callback may have closed the file, completed the stack or written to it.
+void VBFStackImp::require_still_open(std::uint64_t count) const
+{
+    require_writable();
+    if (!variable && count > samples_left)
+        throw_write(__LINE__, "Trying to write more samples than the stack is long!");
 }
 
 /// A variable stack has the size of the steps that were counted.
@@ -206,22 +229,21 @@ const unsigned char* VBFStackImp::in_stack_type(int type, const unsigned char* d
 {
     if (type == get_dt() && imag == nullptr)
         return data;
-    const std::uint64_t size_bytes = count * size_of(get_dt());
-    if (scratch.size() < size_bytes)
-        scratch.resize(size_bytes);
-    if (vela_dt_convert(static_cast<std::uint32_t>(type), static_cast<std::uint32_t>(get_dt()), data, scratch.data(),
-                        count, imag, nullptr) != 0)
+    unsigned char* const converted = get_scratch(count);
+    if (vela_dt_convert(static_cast<std::uint32_t>(type), static_cast<std::uint32_t>(get_dt()), data, converted, count,
+                        imag, nullptr) != 0)
         throw_conversion(__LINE__, type, get_dt());
-    return scratch.data();
+    return converted;
 }
 
 /// A compressed stream that has lost bytes cannot be continued: it is ended, and whatever else wants to write to it
 /// fails.
-void VBFStackImp::to_segment(const void* data, std::uint64_t size_bytes)
+template <class Operation>
+void VBFStackImp::with_stream(Operation operation)
 {
     try
     {
-        segment.write(data, size_bytes);
+        operation();
     }
     catch (...)
     {
@@ -231,40 +253,42 @@ void VBFStackImp::to_segment(const void* data, std::uint64_t size_bytes)
     }
 }
 
+/// Gives the bytes on disk.
+std::uint64_t VBFStackImp::end_stream()
+{
+    // Without samples there is no stream on disk. Where it never started, or has lost bytes, the segment says so.
+    const bool nothing_to_end = samples_written == 0 && segment.is_initialized() == segment_writes;
+    if (!nothing_to_end)
+        with_stream([&] { segment.write_end(); });
+    return nothing_to_end ? 0 : segment.get_cur_pos_file() - data_pos;
+}
+
+/// Each step can be repeated by another commit, should the system refuse it, until the stack is in the chain.
 void VBFStackImp::finish_record()
 {
-    state = 2; // until the stack is in the chain
-    if (!footer_written)
-    {
-        take_steps(); // those of a call that the caller cancelled
-        data_length = 0;
-        if (samples_written > 0)
-        {
-            to_segment(nullptr, 0); // which ends it
-            data_length = segment.get_cur_pos_file() - data_pos;
-            if (flush_block_size != 0)
-                flush_positions = segment.get_flush_positions(flush_block_size);
-        }
-        empty = data_length == 0; // as a reader will find it
-        write_footer();
-        link();
-    }
+    take_steps(); // those of a call that the caller cancelled
+    data_length = end_stream();
+    if (data_length != 0 && flush_block_size != 0)
+        flush_positions = segment.get_flush_positions(flush_block_size);
+    require_place_in_chain();
+    write_footer();
+    file->on_stack_finished(this);
+    empty = data_length == 0; // as a reader will find it
     state = 0;
     segment.end();
-    std::vector<unsigned char>().swap(scratch);
+    scratch.release();
 }
 
 /// A copy of a stack that is not the last one has no place in the chain, and must not write there again.
-void VBFStackImp::link()
+void VBFStackImp::require_place_in_chain()
 {
     try
     {
-        file->on_stack_finished(this);
+        file->require_last(this);
     }
     catch (...)
     {
         segment.end();
         throw;
     }
-    footer_written = true;
 }

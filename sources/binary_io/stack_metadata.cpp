@@ -6,8 +6,10 @@
 #include <VelaStacks/VStackInfo.h>
 #include <VelaStacks/VStackPosition.h>
 
+#include "sources/propsxml/ticpp.h"
 #include "sources/stacks/position_fits.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace {
@@ -17,8 +19,20 @@ constexpr std::uint32_t first_version_with_position = 3;
 
 constexpr int any_format = 0;
 
+/// The XML of a damaged file may be nothing but elements, and the tree of those have a hundred times its size. What a
+/// description may need, and more where it has texts, is less than this.
+void require_reasonable_size(const std::string& text)
+{
+    constexpr std::size_t always_allowed = 0x100000;
+    constexpr std::size_t bytes_of_node = 16;
+    const std::size_t most_nodes = always_allowed + text.size() / bytes_of_node;
+    if (text.size() > always_allowed && ticpp::count_nodes(text) > most_nodes)
+        throw VelaError("VBFStackImp::read_info", __FILE__, __LINE__)("Too many elements in metadata!")(-1);
+}
+
 VProp tree_of(const std::string& text)
 {
+    require_reasonable_size(text);
     VProp tree;
     vela_import_xml(text, tree, any_format);
     return tree;

@@ -262,6 +262,9 @@ void VZippedSegment::write_compressed(const unsigned char* data, std::uint64_t c
 {
     if (count > StreamCodec::max_step)
         throw VelaError("VZippedSegment::write", __FILE__, __LINE__)("Zlib cannot handle chunks larger than 4GB");
+    if (data == nullptr && count != 0)
+        throw VelaError("VZippedSegment::write", __FILE__, __LINE__)("Failed writing %d bytes to file!",
+                                                                     Vela::detail::low_bits(count))(-3);
     if (data == nullptr)
         return encode(nullptr, 0, StreamFlush::finish);
     while (count > 0)

@@ -79,6 +79,15 @@ std::string describe_error(const std::string& text)
     return description;
 }
 
+/// The parser skips a character of several bytes whole, also where the text ends in it.
+std::string with_room_behind(const std::string& xml)
+{
+    constexpr std::size_t longest_character = 4;
+    std::string text(xml.c_str()); // to the parser the text ends with the first NUL
+    text.append(longest_character, '\0');
+    return text;
+}
+
 Scan scan_within_limits(const std::string& text)
 {
     constexpr std::size_t shortest_long_text = 1024;
@@ -92,6 +101,12 @@ Scan scan_within_limits(const std::string& text)
     return found;
 }
 
+}
+
+std::size_t count_nodes(const std::string& xml)
+{
+    constexpr std::size_t no_text_is_long = static_cast<std::size_t>(-1);
+    return scan(with_room_behind(xml).c_str(), {deepest_level, most_attributes, no_text_is_long}).nodes;
 }
 
 Element::Element() : Element("DefaultValueCausedByCreatingAnElementWithNoParameters") {}
@@ -181,10 +196,7 @@ Document::Document() : document(std::make_unique<TiXmlDocument>()) {}
 
 Document::Document(const std::string& xml) : Document()
 {
-    // The parser skips a character of several bytes whole, also where the text ends in it.
-    constexpr std::size_t longest_character = 4;
-    std::string text(xml.c_str()); // and to it the text ends with the first NUL
-    text.append(longest_character, '\0');
+    const std::string text = with_room_behind(xml);
     const std::vector<Place> long_texts = scan_within_limits(text).long_texts;
     TiXmlBase::SetCondenseWhiteSpace(false);
     if (!parse(*document, long_texts.empty() ? text : cut_long_texts(text, long_texts)))

@@ -99,6 +99,10 @@ private:
     std::unique_ptr<TiXmlDocument> document;
 };
 
+/// What a document would be made of: elements, attributes, texts and comments, each of which takes up to 256 bytes and
+/// may stand for two bytes of its text. Counts up to where the parser would give up.
+std::size_t count_nodes(const std::string& xml);
+
 /// Elements that lie deeper than this are refused: reading and printing recurse.
 constexpr std::size_t deepest_level = 512;
 /// Elements with more are refused: the parser holds each against all others.

@@ -153,7 +153,11 @@ private:
         const char* const start = p;
         skip_space();
         if (*p == '<')
+        {
+            result.nodes += depth > 0 && p != start ? 1 : 0;
             return true;
+        }
+        ++result.nodes;
         return depth > 0 && (skip_long_text(start) || skip_characters('<'));
     }
 
@@ -172,6 +176,7 @@ private:
     {
         if (depth > 0 && begins_with(p, "</"))
             return skip_end_tag();
+        ++result.nodes;
         if (begins_with(p, "<!--"))
             return skip_section("<!--", "-->");
         if (begins_with(p, "<![CDATA["))
@@ -232,6 +237,7 @@ private:
                 --depth;
                 return *++p == '>' && *++p != '\0';
             }
+            ++result.nodes;
             result.has_too_many_attributes = ++attributes > limits.attributes;
             if (result.has_too_many_attributes || !skip_attribute())
                 return false;

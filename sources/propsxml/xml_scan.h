@@ -24,6 +24,8 @@ struct Scan
 {
     bool is_too_deep = false;
     bool has_too_many_attributes = false;
+    /// What the parser would make: elements, attributes, texts and whatever else stands in markup.
+    std::size_t nodes = 0;
     /// Texts of elements that are long and plain: ASCII without "&", which the parser takes over as they stand.
     std::vector<Place> long_texts;
 };

@@ -4,7 +4,10 @@
 #include "binary_io/vbf_reading_test.h"
 #include "support/allocation_watch.h"
 
+#include <VelaStacks/VStack.h>
+
 #include <filesystem>
+#include <fstream>
 
 using namespace vela_test;
 
@@ -67,6 +70,50 @@ TEST_F(VBFFileMemory, LabelsThatAreThereTakeNoMoreThanTheyNeed)
     EXPECT_LE(watch.peak_extra_bytes(), count * sizeof(std::string) + mebibyte / 2);
 }
 
+TEST_F(VBFFileMemory, MetadataOfNothingButElementsAreRefusedBeforeTheirTreeIsBuilt)
+{
+    const std::string native_root = "<root idx=\"1\" type=\"struct\" size=\"1 1\" vprop_version=\"1\">";
+    for (const std::string& element : {std::string("<a/>"), std::string("<a b=''/>"), std::string("<a/>x")})
+        for (const std::string& root : {std::string("<root>"), native_root})
+        {
+            std::string xml = root;
+            while (xml.size() < 12 * mebibyte)
+                xml += element;
+            RecordFields fields = bytes_record({1, 2});
+            fields.metadata = xml + "</root>";
+            put(file_of(1, fields));
+            const VPropstring name = file_name(path("test.vbf"));
+            file.reset();
+            const AllocationWatch watch;
+            try
+            {
+                file.open(name, VFile::read_mode);
+                ADD_FAILURE() << "it opened";
+            }
+            catch (const VelaError& error)
+            {
+                EXPECT_EQ(error.get_id(), -1);
+                EXPECT_EQ(error.get_msg().rfind("Invalid metadata found!\n", 0), 0U) << error.get_msg();
+                EXPECT_NE(error.get_msg().find("Too many elements in metadata!"), std::string::npos);
+            }
+            EXPECT_LE(watch.peak_extra_bytes(), 64 * mebibyte);
+        }
+}
+
+TEST_F(VBFFileMemory, MetadataOfManyPropertiesOpen)
+{
+    std::string xml = "<root idx=\"1\" type=\"struct\" size=\"1 1\" vprop_version=\"1\">";
+    constexpr int count = 180000; // six nodes each
+    for (int i = 0; i < count; ++i)
+        xml += "<value" + std::to_string(i) + " idx=\"1\" type=\"double\" size=\"1 1\">1.5</value" + std::to_string(i) +
+               ">\n";
+    RecordFields fields = bytes_record({1, 2});
+    fields.header.format_version = 2; // before the position was among them
+    fields.metadata = xml + "</root>";
+    file.open(file_name(put(file_of(1, fields))), VFile::read_mode);
+    EXPECT_EQ(file->get_stack(0)->get_meta_data_string(), xml + "</root>");
+}
+
 TEST_F(VBFFileMemory, StacksShareMetadataThatAreEqual)
 {
     RecordFields fields = bytes_record({1, 2});
@@ -114,6 +161,86 @@ TEST_F(VBFFileMemory, AWriterKeepsLittleOfFinishedStacks)
     write_stacks(count);
     EXPECT_LE(watch.extra_bytes() / count, 2000U);
     EXPECT_EQ(read_whole(*file->get_stack(100), vela_dt_uint8), (Bytes{'a', 'b', 'c', 'd'}));
+}
+
+namespace {
+
+std::size_t resident_bytes()
+{
+    std::ifstream in("/proc/self/statm");
+    std::size_t all_pages = 0;
+    std::size_t resident_pages = 0;
+    in >> all_pages >> resident_pages;
+    return resident_pages * 4096;
+}
+
+} // namespace
+
+TEST_F(VBFFileMemory, ZerosThatNobodyLooksAtTakeNone)
+{
+    RecordFields fields = bytes_record({});
+    fields.header.sizes = {0x10000, 0x2000};
+    file.open(file_name(put(file_of(1, fields))), VFile::read_mode);
+    for (const vela_dt type : {vela_dt_none, vela_dt_uint16})
+    {
+        const std::size_t before = resident_bytes();
+        const auto stack = file->read_stack(0, type);
+        EXPECT_LT(resident_bytes(), before + 32 * mebibyte);
+        ASSERT_EQ(stack->get_number_of_elements(), 512 * mebibyte);
+        for (const std::size_t at : {std::size_t{0}, 300 * mebibyte, 512 * mebibyte - 1})
+            EXPECT_EQ(stack->get_data_ptr()[at], 0);
+    }
+}
+
+TEST_F(VBFFileMemory, AnEmptyStackThatIsNotCompleteIsNotRead)
+{
+    file.open(file_name(path("written.vbf")), VFile::write_mode);
+    file->add_stack(true)->create({2, 2}, vela_dt_uint8);
+    EXPECT_VELA_ERROR_IN(file->read_stack(0, 0), "VBFStackImp::read_imp", "sources/binary_io", -1,
+                         "Stack not committed to disk. Cannot read!");
+    file->finish();
+    EXPECT_EQ(file->read_stack(0, 0)->get_data_ptr()[3], 0);
+}
+
+TEST_F(VBFFileMemory, AWholeStackTakesItsSamplesAndOneChunk)
+{
+    RecordFields fields = bytes_record(Bytes(2 * mebibyte, 1));
+    file.open(file_name(put(file_of(1, fields))), VFile::read_mode);
+    file->set_chunk_size(65536);
+    for (const vela_dt type : {vela_dt_uint8, vela_dt_uint16})
+    {
+        const AllocationWatch watch; // which does not see the samples
+        const auto stack = file->read_stack(0, type);
+        EXPECT_LE(watch.peak_extra_bytes(), 128U * 1024);
+    }
+}
+
+TEST_F(VBFFileMemory, LongerAndLongerReadsTakeABufferOnlyAFewTimes)
+{
+    file.open(file_name(put(file_of(1, bytes_record(counted_bytes(2000))))), VFile::read_mode);
+    const auto stack = file->get_stack(0);
+    Bytes buffer(4000);
+    const AllocationWatch watch;
+    for (std::uint64_t count = 1; count < 2000; ++count)
+    {
+        std::uint64_t pos = 0;
+        stack->read(vela_dt_uint16, buffer.data(), nullptr, count, pos);
+    }
+    EXPECT_LE(watch.count_allocations(), 15U);
+}
+
+TEST_F(VBFFileMemory, LongerAndLongerWritesTakeABufferOnlyAFewTimes)
+{
+    file.open(file_name(path("written.vbf")), VFile::write_mode);
+    const auto stack = file->add_stack(false);
+    constexpr std::uint64_t calls = 1000;
+    stack->create({calls * (calls + 1) / 2}, vela_dt_uint16);
+    const Bytes samples = counted_bytes(calls);
+    stack->write(vela_dt_uint8, samples.data(), nullptr, 1);
+    const AllocationWatch watch;
+    for (std::uint64_t count = 2; count < calls; ++count)
+        stack->write(vela_dt_uint8, samples.data(), nullptr, count);
+    EXPECT_LE(watch.count_allocations(), 15U);
 }
 
 TEST_F(VBFFileMemory, ATextForAnErrorTakesNone)

@@ -267,6 +267,180 @@ TEST_F(FailingWrites, ACommitThatFailsCanBeTriedAgain)
     EXPECT_EQ(samples_of(*reopen()->get_stack(0)), (Bytes{'a', 'b', 'c', 'd'}));
 }
 
+TEST_F(FailingWrites, AHeaderOfAStackIsWrittenAgain)
+{
+    for (const std::uint64_t room : {std::uint64_t{0}, std::uint64_t{1}, stack_header_size + 3})
+        for (const int level : {0, 6})
+        {
+            SCOPED_TRACE(testing::Message() << room << " bytes");
+            const Stack stack = add({6});
+            stack->set_compression(1, level);
+            stack->set_name("name");
+            for (int repetition = 0; repetition < 2; ++repetition)
+            {
+                DiskWrites disk;
+                disk.set_room(room);
+                EXPECT_VELA_ERROR_IN(stack->write(vela_dt_uint8, "abcdef", nullptr, VBFStackInterface::all_samples),
+                                     "VFile::write", "sources/file", -3, "Failed writing 372 bytes to file!");
+                EXPECT_EQ(stack->get_state(), 1);
+            }
+            stack->set_name("new name");
+            stack->write(vela_dt_uint8, "abcdef", nullptr, VBFStackInterface::all_samples);
+            EXPECT_EQ(stack->get_state(), 0);
+        }
+    EXPECT_EQ(linked(), 6u);
+    VBFFile& opened = reopen();
+    ASSERT_EQ(opened->number_of_stacks(), 6u);
+    std::uint64_t end = first_record_pos;
+    for (std::uint64_t index = 0; index < 6; ++index)
+    {
+        EXPECT_EQ(opened->get_stack(index)->get_name(), "new name");
+        EXPECT_EQ(samples_of(*opened->get_stack(index)), (Bytes{'a', 'b', 'c', 'd', 'e', 'f'}));
+        EXPECT_EQ(on_disk().text(end, 13), "VELA_BF_STACK") << "without a gap";
+        end = opened->seek_to_end_of_stack(index);
+    }
+}
+
+TEST_F(FailingWrites, AVariableStackWhoseHeaderFailedIsCommittedByClose)
+{
+    add_complete({3});
+    const Stack stack = add({2, 0});
+    {
+        DiskWrites disk;
+        disk.set_room(100);
+        EXPECT_THROW(stack->write(vela_dt_uint8, "abcd", nullptr, 4), VelaError);
+    }
+    VBFFile& opened = reopen();
+    ASSERT_EQ(opened->number_of_stacks(), 2u);
+    EXPECT_EQ(opened->get_stack(1)->get_sizes(), (Sizes{2, 0}));
+}
+
+/// From the samples on: footer, three fields, the link.
+TEST_F(FailingWrites, EachStepOfACommitIsTakenAgainByTheNextOne)
+{
+    const Bytes samples = sparse_bytes(2000);
+    for (const int level : {0, 6})
+    {
+        file.open(file_name(path("written.vbf")), VFile::write_mode);
+        const auto add_written = [&]
+        {
+            const Stack stack = add({1000, 0});
+            stack->set_compression(1, level);
+            stack->write(vela_dt_uint8, samples.data(), nullptr, 2000);
+            return stack;
+        };
+        std::vector<std::uint64_t> rooms = {0};
+        {
+            const Stack stack = add_written();
+            const DiskWrites disk;
+            stack->commit(0);
+            for (const DiskWrite& write : disk.log())
+                rooms.push_back(rooms.back() + write.size_bytes);
+        }
+        ASSERT_EQ(rooms.size(), level == 0 ? 6u : 7u);
+        const std::size_t first = level == 0 ? 0 : 1; // the end of a compressed stream cannot be repeated
+        for (std::size_t step = first; step + 1 < rooms.size(); ++step)
+        {
+            SCOPED_TRACE(step);
+            const Stack stack = add_written();
+            const std::uint64_t linked_before = linked();
+            for (const std::uint64_t part : {0u, 3u})
+            {
+                DiskWrites disk;
+                // The second time the stream has ended already.
+                disk.set_room(rooms[step] - (part > 0 ? rooms[first] : 0) + part);
+                EXPECT_THROW(stack->commit(0), VelaError);
+                EXPECT_EQ(stack->get_state(), 2);
+                EXPECT_EQ(linked(), linked_before + (part > 0 && step + 2 == rooms.size() ? 1 : 0));
+            }
+            if (step % 2 == 0)
+                stack->commit(0);
+            else
+                add_complete({3});
+            EXPECT_EQ(stack->get_state(), 0);
+        }
+        const Bytes counted = counted_bytes(3);
+        VBFFile& opened = reopen();
+        for (std::uint64_t index = 0; index < opened->number_of_stacks(); ++index)
+        {
+            const Stack stack = opened->get_stack(index);
+            const Bytes& expected = stack->get_rank() == 2 ? samples : counted;
+            EXPECT_TRUE(samples_of(*stack) == expected) << index;
+        }
+        EXPECT_GE(opened->number_of_stacks(), rooms.size());
+    }
+}
+
+TEST_F(FailingWrites, ALinkThatFailsNamesItsBytes)
+{
+    std::uint64_t all_bytes = 0;
+    {
+        const DiskWrites disk;
+        add_complete({3});
+        all_bytes = disk.count_bytes() - first_record_pos;
+    }
+    const Stack stack = add({3});
+    {
+        DiskWrites disk;
+        disk.set_room(all_bytes - sizeof(std::uint64_t));
+        EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "abc", nullptr, 3), -3, "Failed writing 8 bytes to file!");
+        EXPECT_EQ(linked(), 1u);
+        EXPECT_EQ(stack->get_state(), 2);
+        EXPECT_THROW(file->close(), VelaError);
+    }
+    EXPECT_TRUE(file->is_open());
+    VBFFile& opened = reopen();
+    ASSERT_EQ(opened->number_of_stacks(), 2u);
+    EXPECT_EQ(samples_of(*opened->get_stack(1)), (Bytes{'a', 'b', 'c'}));
+}
+
+/// Nothing but a compressed stream that has lost bytes is beyond repair.
+TEST_F(FailingWrites, AFileOfStoredStacksClosesOnceThereIsRoom)
+{
+    const Bytes samples = sparse_bytes(3000);
+    const auto write_all = [&]
+    {
+        add_complete({3});
+        const Stack grown = add({500, 0});
+        grown->set_name("grown");
+        for (std::size_t step = 0; step < 6; ++step)
+            grown->write(vela_dt_uint8, samples.data() + 500 * step, nullptr, 500);
+        grown->commit(0);
+        file->add_stack(true)->create({7}, vela_dt_uint8);
+        file->close();
+    };
+    std::uint64_t total = 0;
+    {
+        const DiskWrites disk;
+        write_all();
+        total = disk.count_bytes();
+    }
+    // The first stack has to come to its end: its size is known, and nobody writes its samples again.
+    std::uint64_t first_end = 0;
+    {
+        file.open(file_name(path("written.vbf")), VFile::read_mode);
+        first_end = file->seek_to_end_of_stack(0) + 3 * sizeof(std::uint64_t);
+    }
+    for (std::uint64_t room = first_end; room < total; room += 79)
+    {
+        SCOPED_TRACE(testing::Message() << room << " bytes");
+        file.open(file_name(path("written.vbf")), VFile::write_mode);
+        DiskWrites disk;
+        disk.set_room(room);
+        EXPECT_THROW(write_all(), VelaError);
+        disk.set_room(~std::uint64_t{0});
+        ASSERT_NO_THROW(file->close());
+        file.open(file_name(path("written.vbf")), VFile::read_mode);
+        ASSERT_GE(file->number_of_stacks(), 1u);
+        EXPECT_EQ(samples_of(*file->get_stack(0)), counted_bytes(3));
+        if (file->number_of_stacks() < 2)
+            continue;
+        const Bytes grown = samples_of(*file->get_stack(1));
+        EXPECT_EQ(grown.size() % 500, 0u);
+        EXPECT_TRUE(grown == slice(samples, 0, grown.size()));
+    }
+}
+
 TEST_F(FailingWrites, AHeaderOfTheFileStandsAtItsStartAllTheSame)
 {
     file->set_file_desc("description");

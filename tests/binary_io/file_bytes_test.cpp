@@ -42,6 +42,15 @@ TEST_F(FileBytes, NothingIsWrittenBeforeTheFirstStack)
     EXPECT_EQ(on_disk().size(), first_record_pos + 7);
 }
 
+TEST_F(FileBytes, AFileWithoutStacksOpensAgain)
+{
+    const ByteMap map = closed();
+    EXPECT_EQ(map.u64(14), 0u);
+    EXPECT_EQ(map.u64(26), first_record_pos);
+    file.open(file_name(path("written.vbf")), VFile::read_mode);
+    EXPECT_EQ(file->number_of_stacks(), 0u);
+}
+
 TEST_F(FileBytes, TheHeaderStandsInFrontWithItsDescription)
 {
     file->set_file_desc("three");

@@ -60,8 +60,26 @@ TEST_F(ProgressOfWriting, ACancelledChunkIsOnDiskAndDoesNotCount)
     EXPECT_VELA_ERROR(stack->commit(0), -1, "Not enough samples written!");
     EXPECT_VELA_ERROR(file->close(), -1, "Not enough samples written!");
     EXPECT_EQ(on_disk().u64(14), 0u);
-    stack->write(vela_dt_uint8, "cdef", nullptr, 4);
-    EXPECT_EQ(stack->get_state(), 0);
+}
+
+/// The chunk stays where it is, so whoever goes on has it in front of his samples.
+TEST_F(ProgressOfWriting, SamplesBehindACancelledChunkAreShifted)
+{
+    file->set_chunk_size(2);
+    for (const int level : {0, 6})
+    {
+        progress = Progress();
+        progress.cancel_at = 2;
+        const Stack stack = add({6});
+        stack->set_compression(1, level);
+        EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "abcdef", nullptr, 6), -11, "Cancelled by user!");
+        stack->write(vela_dt_uint8, "cdef", nullptr, 4);
+        EXPECT_EQ(stack->get_state(), 0);
+    }
+    progress.cancel_at = 0;
+    VBFFile& opened = reopen();
+    for (const std::uint64_t index : {0u, 1u})
+        EXPECT_EQ(samples_of(*opened->get_stack(index)), (Bytes{'a', 'b', 'c', 'd', 'c', 'd'}));
 }
 
 TEST_F(ProgressOfWriting, AVariableStackIsAsLongAsItsCountedSamples)
@@ -89,24 +107,6 @@ TEST_F(ProgressOfWriting, AVariableStackIsAsLongAsItsCountedSamples)
         EXPECT_EQ(samples_of(*opened->get_stack(index)), (Bytes{'a', 'b'}));
     }
     EXPECT_EQ(samples_of(*opened->get_stack(4)), counted_bytes(3));
-}
-
-/// Closes the file from inside, as nobody should.
-int close_file(std::uint64_t, void* user)
-{
-    VBFFileInterface& file = *static_cast<VBFFileInterface*>(user);
-    file.close();
-    return 1;
-}
-
-TEST_F(ProgressOfWriting, ACallbackThatClosesTheFileEndsTheWrite)
-{
-    file->set_progress_callback(close_file, static_cast<VBFFileInterface*>(file));
-    const Stack stack = add({2, 0});
-    stack->write(vela_dt_uint8, "", nullptr, 0);
-    const Stack grown = add({2, 0});
-    EXPECT_VELA_ERROR(grown->write(vela_dt_uint8, "ab", nullptr, 2), -1,
-                      "Cannot access VBFStack, file has been closed!");
 }
 
 }

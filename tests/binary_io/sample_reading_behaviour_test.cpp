@@ -328,6 +328,75 @@ TEST_F(VbfSampleReading, AnEmptyComplexStackFillsBothBuffers)
     EXPECT_EQ(imag, Bytes(8, 0) + Bytes(8, stale));
 }
 
+TEST_F(VbfSampleReading, AnEmptyStackGoesOnWhereItIs)
+{
+    const StackPointer stack = only_stack(empty(12, cplx_single));
+    Bytes real(100, stale);
+    Bytes imag(100, stale);
+    std::uint64_t pos = continued;
+    EXPECT_EQ(stack->read(vela_dt_single, real.data(), imag.data(), all, pos), 12u);
+    EXPECT_EQ(pos, continued);
+    EXPECT_EQ(real, Bytes(48, 0) + Bytes(52, stale));
+    EXPECT_EQ(imag, Bytes(48, 0) + Bytes(52, stale));
+    pos = 7;
+    EXPECT_EQ(stack->read(vela_dt_uint8, real.data(), nullptr, 2, pos), 2u);
+    pos = continued;
+    EXPECT_EQ(stack->read(vela_dt_uint8, real.data(), nullptr, all, pos), 12u);
+}
+
+TEST_F(VbfSampleReading, AnEmptyStackHasImaginaryPartsOnlyWhereItIsComplex)
+{
+    Bytes bytes(100, stale);
+    std::uint64_t pos = 0;
+    const StackPointer real = only_stack(empty(12, vela_dt_single));
+    EXPECT_VELA_ERROR_IN(real->read(vela_dt_single, bytes.data(), bytes.data(), 1, pos), read_imp, binary_io_folder, -1,
+                         "Imaginary buffer passed but stack is not complex!");
+    const StackPointer complex = only_stack(empty(12, cplx_single));
+    EXPECT_VELA_ERROR_IN(complex->read(cplx_single, bytes.data(), bytes.data(), 1, pos), read_imp, binary_io_folder, -1,
+                         "Imaginary buffer passed but buffer type is already complex!");
+    EXPECT_EQ(bytes, Bytes(100, stale));
+}
+
+TEST_F(VbfSampleReading, AnEmptyStackOfMoreBytesThanCanBeCountedIsRefused)
+{
+    Bytes bytes(100, stale);
+    RecordFields fields = empty(0, vela_dt_double);
+    fields.header.sizes = {0x80000000, 0x40000000};
+    const StackPointer doubles = only_stack(fields);
+    for (const std::uint64_t count : {std::uint64_t{1}, all})
+    {
+        std::uint64_t pos = 0;
+        EXPECT_VELA_ERROR_IN(doubles->read(vela_dt_uint8, bytes.data(), nullptr, count, pos), read_imp,
+                             binary_io_folder, -4, "Invalid dimension_sizes in stack header!");
+        EXPECT_EQ(pos, 0u);
+    }
+    EXPECT_EQ(bytes, Bytes(100, stale));
+}
+
+TEST_F(VbfSampleReading, ZerosOfMoreBytesThanCanBeCountedAreRefused)
+{
+    RecordFields fields = empty(0, vela_dt_uint8);
+    fields.header.sizes = {0x80000000, 0x40000000};
+    const StackPointer stack = only_stack(fields);
+    Bytes bytes(32, stale);
+    EXPECT_VELA_ERROR_IN(stack->read(cplx_double, bytes.data(), nullptr), read_imp, binary_io_folder, -4,
+                         "Invalid dimension_sizes in stack header!");
+    EXPECT_EQ(bytes, Bytes(32, stale));
+    std::uint64_t pos = std::uint64_t{1} << 60;
+    EXPECT_EQ(stack->read(cplx_double, bytes.data(), nullptr, 2, pos), 2u);
+    EXPECT_EQ(bytes, Bytes(32, 0));
+}
+
+TEST_F(VbfSampleReading, AnEmptyStackWhoseTypeHasNoSizeIsRefused)
+{
+    const StackPointer stack = only_stack(empty(12, vela_dt_none));
+    Bytes bytes(12, stale);
+    std::uint64_t pos = 0;
+    EXPECT_VELA_ERROR_IN(stack->read(vela_dt_uint8, bytes.data(), nullptr, 1, pos), read_imp, binary_io_folder, -1,
+                         "Invalid on-the-fly conversion from 'none' to 'uint8'!");
+    EXPECT_EQ(bytes, Bytes(12, stale));
+}
+
 TEST_F(VbfSampleReading, NothingIsConvertedForAnEmptyStack)
 {
     const StackPointer stack = only_stack(empty(3, cplx_single));

@@ -118,29 +118,66 @@ TEST_F(StackHeaderBytes, LevelZeroStoresTheSamplesAsTheyAre)
     EXPECT_EQ(map.i32(second + stack_compression_level_at), -1);
 }
 
-TEST_F(StackHeaderBytes, OtherCompressionTypesAreRefusedAndNothingIsWritten)
+/// Nothing can mend a stack whose header was refused, and nothing of it is in the file.
+class RefusedHeader : public StackHeaderBytes
+{
+protected:
+    void expect_refused(const Stack& stack, const std::string& text)
+    {
+        const std::uint64_t size_before = on_disk().size();
+        EXPECT_VELA_ERROR_IN(stack->commit(vela_dt_none), "VBFStackImp::write_header", vbf_sources, -1, text);
+        EXPECT_EQ(stack->get_state(), 2);
+        EXPECT_VELA_ERROR(stack->set_compression(0, 0), -1, "Cannot change compression mode!");
+        std::uint64_t pos = 0;
+        EXPECT_VELA_ERROR(stack->read(vela_dt_uint8, nullptr, nullptr, 0, pos), -1,
+                          "Stack not committed to disk. Cannot read!");
+        for (int repetition = 0; repetition < 2; ++repetition)
+        {
+            EXPECT_VELA_ERROR_IN(stack->commit(vela_dt_none), "VZippedSegment::write", "sources/file", -1,
+                                 "Trying to write to file in read mode!");
+            EXPECT_VELA_ERROR(file->add_stack(true), -1, "Trying to write to file in read mode!");
+            EXPECT_VELA_ERROR(file->close(), -1, "Trying to write to file in read mode!");
+        }
+        EXPECT_EQ(stack->get_state(), 2);
+        EXPECT_EQ(on_disk().size(), size_before);
+        EXPECT_EQ(on_disk().u64(14), 0u);
+    }
+};
+
+TEST_F(RefusedHeader, OfAnotherCompressionType)
 {
     for (const int type : {2, 3, -1})
     {
+        file.open(file_name(path("written.vbf")), VFile::write_mode);
         const Stack stack = file->add_stack(true);
         stack->create({4}, vela_dt_uint8);
         stack->set_compression(type, 1);
-        const std::uint64_t size_before = on_disk().size();
-        EXPECT_VELA_ERROR_IN(stack->commit(vela_dt_none), "VBFStackImp::write_header", vbf_sources, -1,
-                             "Invalid compression type specified!");
-        EXPECT_EQ(on_disk().size(), size_before);
+        expect_refused(stack, "Invalid compression type specified!");
     }
-    EXPECT_EQ(closed().u64(14), 0u);
 }
 
-TEST_F(StackHeaderBytes, AnAxisThatThirtyTwoBitsCannotCountIsRefusedAndNothingIsWritten)
+TEST_F(RefusedHeader, OfAnAxisThatThirtyTwoBitsCannotCount)
 {
     const Stack stack = file->add_stack(true);
     stack->create({2, std::uint64_t{1} << 32, 1}, vela_dt_uint8);
-    const std::uint64_t size_before = on_disk().size();
-    EXPECT_VELA_ERROR_IN(stack->commit(vela_dt_none), "VBFStackImp::write_header", vbf_sources, -1,
-                         "Size of axis 1 does not fit the file format!");
-    EXPECT_EQ(on_disk().size(), size_before);
+    expect_refused(stack, "Size of axis 1 does not fit the file format!");
+}
+
+TEST_F(RefusedHeader, OfASixteenthAxis)
+{
+    const Stack stack = file->add_stack(false);
+    stack->create(Sizes(16, 0), vela_dt_uint8);
+    expect_refused(stack, "Rank 16 does not fit the file format!");
+}
+
+TEST_F(RefusedHeader, TakesNoSamplesLater)
+{
+    const Stack stack = add({4});
+    stack->set_compression(2, 1);
+    EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "ab", nullptr, 2), -1, "Invalid compression type specified!");
+    EXPECT_EQ(stack->get_state(), 2);
+    EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "ab", nullptr, 2), -1, "Trying to write to file in read mode!");
+    EXPECT_VELA_ERROR(stack->commit(0), -1, "Not enough samples written!");
 }
 
 TEST_F(StackHeaderBytes, TheLongestAxisIsWritten)
@@ -149,16 +186,6 @@ TEST_F(StackHeaderBytes, TheLongestAxisIsWritten)
     stack->create({0xffffffff, 2}, vela_dt_uint8);
     stack->commit(vela_dt_none);
     EXPECT_EQ(closed().u32(first_record_pos + stack_sizes_at), 0xffffffffu);
-}
-
-TEST_F(StackHeaderBytes, ASixteenthAxisIsRefusedAndNothingIsWritten)
-{
-    const Stack stack = file->add_stack(false);
-    stack->create(Sizes(16, 0), vela_dt_uint8);
-    const std::uint64_t size_before = on_disk().size();
-    EXPECT_VELA_ERROR_IN(stack->commit(vela_dt_none), "VBFStackImp::write_header", vbf_sources, -1,
-                         "Rank 16 does not fit the file format!");
-    EXPECT_EQ(on_disk().size(), size_before);
 }
 
 TEST_F(StackHeaderBytes, TheFirstWriteLocksTheDescription)

@@ -154,6 +154,56 @@ TEST_F(WriteStates, ACommitOfAnOpenTypeIsRefused)
     EXPECT_EQ(reopen()->get_stack(0)->get_dt(), vela_dt_double);
 }
 
+TEST_F(WriteStates, AnOpenTypeThatNoRecordHasIsRefusedEachTimeAndNotTaken)
+{
+    add_complete({3});
+    const Bytes samples(64, 1);
+    const Stack stack = add({2, 0}, vela_dt_none);
+    const std::uint64_t size_before = on_disk().size();
+    for (const vela_dt type : {vela_dt_uint64, vela_dt_int64, vela_dt_complex | vela_dt_int16, vela_dt_complex | 4096})
+        for (int repetition = 0; repetition < 3; ++repetition)
+        {
+            EXPECT_THROW_TEXT(stack->write(type, samples.data(), nullptr, 2), std::invalid_argument,
+                              "Unsupported data type");
+            EXPECT_EQ(stack->get_state(), 1);
+            EXPECT_EQ(stack->get_dt(), vela_dt_none);
+        }
+    for (int repetition = 0; repetition < 2; ++repetition)
+        EXPECT_THROW_TEXT(stack->write(vela_dt_int16, samples.data(), samples.data(), 2), std::invalid_argument,
+                          "Unsupported data type");
+    EXPECT_WRITE_ERROR(file->close(), "Stack data type not set. Cannot commit stack to file!");
+    EXPECT_EQ(on_disk().size(), size_before);
+    stack->write(vela_dt_uint8, "ab", nullptr, 2);
+    VBFFile& opened = reopen();
+    ASSERT_EQ(opened->number_of_stacks(), 2u);
+    EXPECT_EQ(samples_of(*opened->get_stack(0)), counted_bytes(3));
+    EXPECT_EQ(samples_of(*opened->get_stack(1)), (Bytes{'a', 'b'}));
+}
+
+TEST_F(WriteStates, MoreBytesThanCanBeCountedAreRefusedBeforeAnythingIsWritten)
+{
+    const Stack stack = file->add_stack(true);
+    stack->create({std::uint64_t{1} << 31, std::uint64_t{1} << 30}, vela_dt_double);
+    const std::uint64_t size_before = on_disk().size();
+    for (int repetition = 0; repetition < 2; ++repetition)
+    {
+        EXPECT_WRITE_ERROR(stack->commit(0), "The size increases the maximum size");
+        EXPECT_EQ(stack->get_state(), 1);
+    }
+    EXPECT_EQ(on_disk().size(), size_before);
+}
+
+TEST_F(WriteStates, AsManyBytesAsCanBeCountedAreWritten)
+{
+    const Stack stack = file->add_stack(true);
+    stack->create({std::uint64_t{1} << 31, std::uint64_t{1} << 30}, vela_dt_int32);
+    stack->commit(0);
+    std::uint64_t pos = std::uint64_t{1} << 60;
+    std::int32_t sample = -1;
+    EXPECT_EQ(reopen()->get_stack(0)->read(vela_dt_int32, &sample, nullptr, 1, pos), 1u);
+    EXPECT_EQ(sample, 0);
+}
+
 TEST_F(WriteStates, ATypeWithoutSizeIsRefusedBeforeAnythingIsWritten)
 {
     const Stack stack = add({2}, vela_dt_none);

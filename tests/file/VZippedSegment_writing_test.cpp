@@ -120,6 +120,19 @@ TEST_F(CompressedWriting, NullAndNoBytesEndTheStreamAsWriteEndDoes)
     EXPECT_EQ(segment.get_cur_pos_file(), content.size());
 }
 
+TEST_F(CompressedWriting, NullDoesNotStandForBytesThatAreCounted)
+{
+    const Bytes data = sparse_bytes(1000);
+    start_file();
+    segment.init_w(file, 6, all_ones);
+    segment.write(data.data(), 400);
+    EXPECT_VELA_ERROR_IN(segment.write(nullptr, 5), "VZippedSegment::write", "sources/file", -3,
+                         "Failed writing 5 bytes to file!");
+    EXPECT_EQ(segment.tell(), 400u);
+    segment.write(data.data() + 400, 600);
+    expect_stream_of(finish_stretch().bytes, data);
+}
+
 TEST_F(CompressedWriting, EndsOnceHoweverOftenItIsAsked)
 {
     const Bytes data = sparse_bytes(1000);
