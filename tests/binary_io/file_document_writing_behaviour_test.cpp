@@ -96,9 +96,12 @@ TEST_F(FileDocumentWriting, EveryFormOfAUuidBecomesTheSameText)
 TEST_F(FileDocumentWriting, ANullUuidAndATextThatIsNoneAreRefused)
 {
     file->set_uuid(uuid);
-    for (const char* text : {"00000000-0000-0000-0000-000000000000", "{00000000-0000-0000-0000-000000000000}",
-                             "urn:uuid:00000000-0000-0000-0000-000000000000", "", "no uuid",
-                             "urn:uuid:", "01234567-89ab-cdef-0123-456789abcdeg"})
+    const std::string bare = uuid;
+    for (const std::string& text :
+         {std::string("00000000-0000-0000-0000-000000000000"), std::string("{00000000-0000-0000-0000-000000000000}"),
+          std::string("urn:uuid:00000000-0000-0000-0000-000000000000"), std::string(), std::string("no uuid"),
+          std::string("urn:uuid:"), bare.substr(1), bare + "0", "{" + bare, bare + "}", "urn:" + bare,
+          std::string("01234567-89ab-cdef-0123-456789abcdeg"), std::string("012345678-9ab-cdef-0123-456789abcdef")})
         EXPECT_BAD_CAST(file->set_uuid(text));
     EXPECT_EQ(document(), with_attributes(std::string(" UUID=\"urn:uuid:") + uuid + '"'));
 }

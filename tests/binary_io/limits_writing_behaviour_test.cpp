@@ -96,16 +96,6 @@ TEST_F(LimitsWriting, FifteenAxesWithoutElementsAreWritten)
     EXPECT_EQ(written.sizes, std::vector<std::uint32_t>(sizes.begin(), sizes.end()));
 }
 
-TEST_F(LimitsWriting, MoreThanFifteenAxesAreRefusedBeforeTheHeaderIsWritten)
-{
-    begin_file();
-    file->finish();
-    const Bytes before = content();
-    const Stack stack = add(Sizes(16, 0));
-    EXPECT_VELA_ERROR(stack->commit(0), -1, "Rank 16 does not fit the file format!");
-    EXPECT_EQ(content(), before);
-}
-
 TEST_F(LimitsWriting, ManyTagsAndLongOnesAreWritten)
 {
     begin_file();

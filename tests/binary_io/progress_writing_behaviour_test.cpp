@@ -175,6 +175,46 @@ TEST_F(ProgressWriting, AStackWhoseLastChunkWasCancelledIsNotComplete)
     EXPECT_EQ(on_disk().stack_names(), std::vector<std::string>{"before"});
 }
 
+/// The chunk stays where it is, so whoever goes on has it in front of his samples.
+TEST_F(ProgressWriting, SamplesBehindACancelledChunkOfAStreamAreShifted)
+{
+    begin_watched_file(2);
+    progress.cancel_at = 1;
+    const Stack stack = add({6});
+    stack->set_compression(1, 6);
+    const Bytes samples = numbered_bytes(6);
+    EXPECT_STACK_ERROR(write_bytes(stack, samples), "write", -11, cancelled);
+    stack->write(vela_dt_uint8, samples.data() + 2, nullptr, 4);
+    EXPECT_EQ(close_file_with_one_stack().samples(), slice(samples, 0, 4) + slice(samples, 2, 6));
+}
+
+TEST_F(ProgressWriting, AVariableStackIsAsLongAsItsCountedSamples)
+{
+    begin_file();
+    file->set_progress_callback(&Progress::ask, &progress);
+    file->set_chunk_size(2);
+    for (const std::size_t counted_steps : {0u, 1u})
+        for (const int level : {0, 6})
+        {
+            progress = Progress();
+            progress.cancel_at = counted_steps;
+            const Stack stack = add({2, 0});
+            stack->set_compression(1, level);
+            EXPECT_STACK_ERROR(write_bytes(stack, numbered_bytes(6)), "write", -11, cancelled);
+            stack->commit(0);
+        }
+    file->set_progress_callback(nullptr, nullptr);
+    add_whole("behind them");
+    file.open(file_name(file_path), VFile::read_mode);
+    ASSERT_EQ(file->number_of_stacks(), 5u);
+    for (std::uint64_t index = 0; index < 4; ++index)
+    {
+        EXPECT_EQ(file->get_stack(index)->get_sizes(), (Sizes{2, index / 2}));
+        EXPECT_EQ(samples_of(*file->get_stack(index)), slice(numbered_bytes(2), 0, index / 2 * 2));
+    }
+    EXPECT_EQ(samples_of(*file->get_stack(4)), numbered_bytes(12));
+}
+
 TEST_F(ProgressWriting, CancellingCanBeTriedAgainUntilItWorks)
 {
     begin_watched_file(100);
