@@ -1,6 +1,6 @@
 // Runs of samples: where they begin, where they end, and what each failure says.
+#include "binary_io/sample_types.h"
 #include "binary_io/vbf_reading_test.h"
-
 #include "support/zlib_stream.h"
 
 #include <complex>
@@ -12,8 +12,6 @@ namespace {
 constexpr std::uint64_t all = VBFStackInterface::all_samples;
 constexpr std::uint64_t exhausted = VBFStackInterface::exhausted;
 constexpr std::uint64_t continued = VBFStackInterface::continued;
-constexpr vela_dt cplx_single = vela_dt_single | vela_dt_complex;
-constexpr vela_dt cplx_double = vela_dt_double | vela_dt_complex;
 constexpr const char* read_imp = "VBFStackImp::read_imp";
 constexpr const char* beyond_text = "Invalid position in segment!";
 
@@ -32,15 +30,6 @@ protected:
         fields.header.sizes = {static_cast<std::uint32_t>(data.size())};
         fields.header.compression_type = 1;
         fields.header.compression_level = static_cast<std::uint32_t>(level);
-        return fields;
-    }
-
-    /// Nothing on disk.
-    static RecordFields empty(std::uint32_t size, vela_dt type)
-    {
-        RecordFields fields = bytes_record({});
-        fields.header.sizes = {size};
-        fields.header.data_type = static_cast<std::uint32_t>(type);
         return fields;
     }
 };
@@ -234,7 +223,7 @@ TEST_F(VbfSampleReading, DamagedDataSpoilOnlyTheReadsThatMeetThem)
 TEST_F(VbfSampleReading, ImaginaryPartsGoToTheirOwnBuffer)
 {
     const std::vector<std::complex<float>> values{{1.5f, -2.0f}, {3.0f, 4.5f}, {-5.0f, 6.0f}};
-    const StackPointer stack = only_stack(values_record(cplx_single, values));
+    const StackPointer stack = only_stack(values_record(complex_single, values));
     std::vector<float> real(3, 99.0f);
     std::vector<float> imag(3, 99.0f);
     stack->read(vela_dt_single, real.data(), imag.data());
@@ -252,29 +241,29 @@ TEST_F(VbfSampleReading, ImaginaryPartsGoToTheirOwnBuffer)
 TEST_F(VbfSampleReading, ComplexSamplesMayStayInterleaved)
 {
     const std::vector<std::complex<float>> values{{1.5f, -2.0f}, {3.0f, 4.5f}};
-    const StackPointer stack = only_stack(values_record(cplx_single, values));
+    const StackPointer stack = only_stack(values_record(complex_single, values));
     std::vector<std::complex<float>> same(2);
-    stack->read(cplx_single, same.data(), nullptr);
+    stack->read(complex_single, same.data(), nullptr);
     EXPECT_EQ(same, values);
     std::vector<std::complex<double>> wide(2);
-    stack->read(cplx_double, wide.data(), nullptr);
+    stack->read(complex_double, wide.data(), nullptr);
     EXPECT_EQ(wide, (std::vector<std::complex<double>>{{1.5, -2.0}, {3.0, 4.5}}));
 }
 
 TEST_F(VbfSampleReading, ASecondBufferForAComplexTypeIsRefused)
 {
     const std::vector<std::complex<float>> values{{1.5f, -2.0f}};
-    const StackPointer stack = only_stack(values_record(cplx_single, values));
+    const StackPointer stack = only_stack(values_record(complex_single, values));
     double buffer[4] = {};
     std::uint64_t pos = 0;
-    EXPECT_VELA_ERROR_IN(stack->read(cplx_single, buffer, buffer + 2, 1, pos), read_imp, binary_io_folder, -1,
+    EXPECT_VELA_ERROR_IN(stack->read(complex_single, buffer, buffer + 2, 1, pos), read_imp, binary_io_folder, -1,
                          "Imaginary buffer passed but buffer type is already complex!");
     // It is tested before the position and the type of the stack.
     pos = 7;
-    EXPECT_VELA_ERROR(stack->read(cplx_double, buffer, buffer + 2, 1, pos), -1,
+    EXPECT_VELA_ERROR(stack->read(complex_double, buffer, buffer + 2, 1, pos), -1,
                       "Imaginary buffer passed but buffer type is already complex!");
     const StackPointer real = only_stack(twenty());
-    EXPECT_VELA_ERROR(real->read(cplx_double, buffer, buffer + 2, 1, pos), -1,
+    EXPECT_VELA_ERROR(real->read(complex_double, buffer, buffer + 2, 1, pos), -1,
                       "Imaginary buffer passed but buffer type is already complex!");
 }
 
@@ -287,146 +276,9 @@ TEST_F(VbfSampleReading, ASecondBufferForARealStackIsRefused)
     std::uint64_t pos = 30;
     EXPECT_VELA_ERROR(stack->read(vela_dt_uint8, buffer, buffer + 20, 1, pos), -1,
                       "Imaginary buffer passed but stack is not complex!");
-    const StackPointer none = only_stack(empty(5, vela_dt_uint8));
+    const StackPointer none = only_stack(without_samples(5, vela_dt_uint8));
     EXPECT_VELA_ERROR(none->read(vela_dt_uint8, buffer, buffer + 20), -1,
                       "Imaginary buffer passed but stack is not complex!");
-}
-
-// ---- stacks without samples on disk
-
-TEST_F(VbfSampleReading, AnEmptyStackGivesZerosAndLeavesThePosition)
-{
-    const StackPointer stack = only_stack(empty(12, vela_dt_uint16));
-    Bytes bytes(24, stale);
-    std::uint64_t pos = 5;
-    EXPECT_EQ(stack->read(vela_dt_uint16, bytes.data(), nullptr, all, pos), 7u);
-    EXPECT_EQ(pos, 5u);
-    EXPECT_EQ(bytes, Bytes(14, 0) + Bytes(10, stale));
-
-    EXPECT_EQ(stack->read(vela_dt_uint16, bytes.data() + 14, nullptr, 2, pos), 2u);
-    EXPECT_EQ(pos, 5u);
-    EXPECT_EQ(bytes, Bytes(18, 0) + Bytes(6, stale));
-}
-
-TEST_F(VbfSampleReading, TheZerosOfAnEmptyStackHaveTheTypeOfTheBuffer)
-{
-    const StackPointer stack = only_stack(empty(3, vela_dt_uint16));
-    Bytes bytes(60, stale);
-    stack->read(cplx_double, bytes.data(), nullptr);
-    EXPECT_EQ(bytes, Bytes(48, 0) + Bytes(12, stale));
-}
-
-TEST_F(VbfSampleReading, AnEmptyComplexStackFillsBothBuffers)
-{
-    const StackPointer stack = only_stack(empty(3, cplx_single));
-    Bytes real(16, stale);
-    Bytes imag(16, stale);
-    std::uint64_t pos = 0;
-    EXPECT_EQ(stack->read(vela_dt_single, real.data(), imag.data(), 2, pos), 2u);
-    EXPECT_EQ(pos, 0u);
-    EXPECT_EQ(real, Bytes(8, 0) + Bytes(8, stale));
-    EXPECT_EQ(imag, Bytes(8, 0) + Bytes(8, stale));
-}
-
-TEST_F(VbfSampleReading, AnEmptyStackGoesOnWhereItIs)
-{
-    const StackPointer stack = only_stack(empty(12, cplx_single));
-    Bytes real(100, stale);
-    Bytes imag(100, stale);
-    std::uint64_t pos = continued;
-    EXPECT_EQ(stack->read(vela_dt_single, real.data(), imag.data(), all, pos), 12u);
-    EXPECT_EQ(pos, continued);
-    EXPECT_EQ(real, Bytes(48, 0) + Bytes(52, stale));
-    EXPECT_EQ(imag, Bytes(48, 0) + Bytes(52, stale));
-    pos = 7;
-    EXPECT_EQ(stack->read(vela_dt_uint8, real.data(), nullptr, 2, pos), 2u);
-    pos = continued;
-    EXPECT_EQ(stack->read(vela_dt_uint8, real.data(), nullptr, all, pos), 12u);
-}
-
-TEST_F(VbfSampleReading, AnEmptyStackHasImaginaryPartsOnlyWhereItIsComplex)
-{
-    Bytes bytes(100, stale);
-    std::uint64_t pos = 0;
-    const StackPointer real = only_stack(empty(12, vela_dt_single));
-    EXPECT_VELA_ERROR_IN(real->read(vela_dt_single, bytes.data(), bytes.data(), 1, pos), read_imp, binary_io_folder, -1,
-                         "Imaginary buffer passed but stack is not complex!");
-    const StackPointer complex = only_stack(empty(12, cplx_single));
-    EXPECT_VELA_ERROR_IN(complex->read(cplx_single, bytes.data(), bytes.data(), 1, pos), read_imp, binary_io_folder, -1,
-                         "Imaginary buffer passed but buffer type is already complex!");
-    EXPECT_EQ(bytes, Bytes(100, stale));
-}
-
-TEST_F(VbfSampleReading, AnEmptyStackOfMoreBytesThanCanBeCountedIsRefused)
-{
-    Bytes bytes(100, stale);
-    RecordFields fields = empty(0, vela_dt_double);
-    fields.header.sizes = {0x80000000, 0x40000000};
-    const StackPointer doubles = only_stack(fields);
-    for (const std::uint64_t count : {std::uint64_t{1}, all})
-    {
-        std::uint64_t pos = 0;
-        EXPECT_VELA_ERROR_IN(doubles->read(vela_dt_uint8, bytes.data(), nullptr, count, pos), read_imp,
-                             binary_io_folder, -4, "Invalid dimension_sizes in stack header!");
-        EXPECT_EQ(pos, 0u);
-    }
-    EXPECT_EQ(bytes, Bytes(100, stale));
-}
-
-TEST_F(VbfSampleReading, ZerosOfMoreBytesThanCanBeCountedAreRefused)
-{
-    RecordFields fields = empty(0, vela_dt_uint8);
-    fields.header.sizes = {0x80000000, 0x40000000};
-    const StackPointer stack = only_stack(fields);
-    Bytes bytes(32, stale);
-    EXPECT_VELA_ERROR_IN(stack->read(cplx_double, bytes.data(), nullptr), read_imp, binary_io_folder, -4,
-                         "Invalid dimension_sizes in stack header!");
-    EXPECT_EQ(bytes, Bytes(32, stale));
-    std::uint64_t pos = std::uint64_t{1} << 60;
-    EXPECT_EQ(stack->read(cplx_double, bytes.data(), nullptr, 2, pos), 2u);
-    EXPECT_EQ(bytes, Bytes(32, 0));
-}
-
-TEST_F(VbfSampleReading, AnEmptyStackWhoseTypeHasNoSizeIsRefused)
-{
-    const StackPointer stack = only_stack(empty(12, vela_dt_none));
-    Bytes bytes(12, stale);
-    std::uint64_t pos = 0;
-    EXPECT_VELA_ERROR_IN(stack->read(vela_dt_uint8, bytes.data(), nullptr, 1, pos), read_imp, binary_io_folder, -1,
-                         "Invalid on-the-fly conversion from 'none' to 'uint8'!");
-    EXPECT_EQ(bytes, Bytes(12, stale));
-}
-
-TEST_F(VbfSampleReading, NothingIsConvertedForAnEmptyStack)
-{
-    const StackPointer stack = only_stack(empty(3, cplx_single));
-    Bytes bytes(4, stale);
-    stack->read(vela_dt_uint8, bytes.data(), nullptr);
-    EXPECT_EQ(bytes, Bytes(3, 0) + Bytes{stale});
-}
-
-TEST_F(VbfSampleReading, APositionBehindAnEmptyStackIsRefusedToo)
-{
-    const StackPointer stack = only_stack(empty(12, vela_dt_uint8));
-    std::uint64_t pos = 12;
-    EXPECT_EQ(stack->read(vela_dt_uint8, nullptr, nullptr, all, pos), 0u);
-    EXPECT_EQ(pos, 12u);
-    Bytes bytes(20, stale);
-    for (const std::uint64_t first : {std::uint64_t(13), all - 2})
-    {
-        pos = first;
-        EXPECT_VELA_ERROR(stack->read(vela_dt_uint8, bytes.data(), nullptr, 1, pos), -1, beyond_text);
-        EXPECT_VELA_ERROR(stack->read(vela_dt_uint8, bytes.data(), nullptr, all, pos), -1, beyond_text);
-    }
-    pos = exhausted;
-    EXPECT_VELA_ERROR(stack->read(vela_dt_uint8, bytes.data(), nullptr, 1, pos), -1, exhausted_text);
-    EXPECT_EQ(bytes, Bytes(20, stale));
-}
-
-TEST_F(VbfSampleReading, AStackWithoutElementsHasNothingToRead)
-{
-    RecordFields fields = empty(0, vela_dt_uint8);
-    EXPECT_NO_THROW(only_stack(fields)->read(vela_dt_uint8, nullptr, nullptr));
 }
 
 // ---- the position of the file
@@ -438,7 +290,7 @@ TEST_F(VbfSampleReading, ThePositionOfTheFileIsPutBack)
     damaged.header.data.at(2) = 0xff;
     built.add_stack_record(compressed(noisy_bytes(5000)));
     built.add_stack_record(damaged);
-    built.add_stack_record(empty(5, vela_dt_uint8));
+    built.add_stack_record(without_samples(5, vela_dt_uint8));
     built.add_stack_record(twenty());
     AttachedFile attached(put(built));
     attached.attach();

@@ -99,6 +99,15 @@ RecordFields values_record(vela_dt type, const std::vector<T>& values)
     return fields;
 }
 
+/// A record of `size` samples of which nothing is on disk.
+inline RecordFields without_samples(std::uint32_t size, vela_dt type)
+{
+    RecordFields fields = bytes_record({});
+    fields.header.sizes = {size};
+    fields.header.data_type = static_cast<std::uint32_t>(type);
+    return fields;
+}
+
 /// 0, 1, 2 and so on.
 inline Bytes counted_bytes(std::size_t count)
 {
