@@ -6,18 +6,6 @@
 
 namespace Vela::detail {
 
-FieldPatch::~FieldPatch()
-{
-    try
-    {
-        file.seek(return_pos);
-    }
-    catch (...)
-    {
-        // A file that was closed has no position.
-    }
-}
-
 void FieldPatch::put(std::uint64_t field_pos, std::uint64_t value)
 {
     move_to_write(file, field_pos, sizeof value, function);

@@ -3,6 +3,8 @@
 
 #include <VelaFile/VFile.h>
 
+#include "sources/binary_io/PositionGuard.h"
+
 #include <cstdint>
 
 namespace Vela::detail {
@@ -13,19 +15,16 @@ class FieldPatch
 public:
     /// Failures name `in_function`.
     FieldPatch(VFile& in_file, std::uint64_t in_return_pos, const char* in_function)
-        : file(in_file), return_pos(in_return_pos), function(in_function)
+        : file(in_file), guard(in_file, in_return_pos), function(in_function)
     {
     }
-    FieldPatch(const FieldPatch&) = delete;
-    FieldPatch& operator=(const FieldPatch&) = delete;
-    ~FieldPatch();
 
     /// @throws VelaError id -3 "Failed writing %d bytes to file!": also where the file cannot be moved
     void put(std::uint64_t field_pos, std::uint64_t value);
 
 private:
     VFile& file;
-    std::uint64_t return_pos;
+    PositionGuard guard;
     const char* function;
 };
 

@@ -26,9 +26,6 @@ constexpr std::uint32_t any_reader = std::numeric_limits<std::uint32_t>::max();
 /// Bytes that even an empty label has.
 constexpr std::uint64_t label_prefix = sizeof(std::uint32_t);
 
-/// More axes with elements the OME record does not have.
-constexpr std::size_t max_record_rank = 5;
-
 /// Fails as `create` would, without making a description where it cannot fail.
 void require_possible_description(const VBFStackHeader& header)
 {
@@ -80,7 +77,7 @@ void StackRecordReader::read_front(StackRecord& record)
     stream.read_str(record.name, record.header.name_length);
     stream.read_str(record.description, record.header.description_length);
     record.data_pos = stream.tell();
-    count_bytes(sizeof record.header + record.name.size() + record.description.size());
+    budget.spend(sizeof record.header + record.name.size() + record.description.size());
 }
 
 /// The footer and what follows it. A position that the system refuses is not left: what stands there is tried.
@@ -101,7 +98,7 @@ void StackRecordReader::read_back(StackRecord& record)
     if (footer.tag_dictionary_length != 0)
         read_dictionary(stream, record.tags);
     record.stack_end_pos = footer.stack_end_pos > 0 ? footer.stack_end_pos : stream.tell();
-    count_bytes(stream.tell() - begin);
+    budget.spend(stream.tell() - begin);
 }
 
 StackFooter StackRecordReader::read_footer()
@@ -209,15 +206,6 @@ void StackRecordReader::require_bytes(std::uint64_t size_bytes) const
 {
     if (size_bytes > stream.bytes_left())
         throw_file_too_short(size_bytes);
-}
-
-/// Stacks of a true chain do not share bytes. Where they may, memory would grow with the square of the file.
-void StackRecordReader::count_bytes(std::uint64_t size_bytes)
-{
-    bytes_read += size_bytes;
-    if (bytes_read > stream.file_size())
-        throw VelaError("VBFFileImp::attach_imp", __FILE__,
-                        __LINE__)("Invalid stack position specified in header!")(-4);
 }
 
 } // namespace Vela::detail

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sources/binary_io/StackRecord.h"
+#include "sources/binary_io/chain_walk.h"
 
 #include <cstdint>
 #include <memory>
@@ -9,15 +10,13 @@
 
 namespace Vela::detail {
 
-class ReadAhead;
-
 /// Reads the stacks of one chain. What a stack cannot be fails here, though its description is built later.
 ///
 /// Failures are those of `VBFFileInterface::open` for a stack, in the order of the bytes.
 class StackRecordReader
 {
 public:
-    explicit StackRecordReader(ReadAhead& in_stream) : stream(in_stream) {}
+    explicit StackRecordReader(ReadAhead& in_stream) : stream(in_stream), budget(in_stream) {}
 
     /// The stack whose header stands at `position`, where the stream is.
     StackRecord read(std::uint64_t position);
@@ -33,10 +32,9 @@ private:
     void try_metadata(const StackRecord& record);
     void read_flush_positions(const StackFooter& footer, StackRecord& record);
     void require_bytes(std::uint64_t size_bytes) const;
-    void count_bytes(std::uint64_t size_bytes);
 
     ReadAhead& stream;
-    std::uint64_t bytes_read = 0;
+    ByteBudget budget;
 
     // The metadata that was tried last, and with what: mostly all stacks of a file have the same.
     std::shared_ptr<const std::string> good_metadata;

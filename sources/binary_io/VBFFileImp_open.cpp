@@ -4,13 +4,13 @@
 #include "sources/binary_io/StackRecordReader.h"
 #include "sources/binary_io/VBFFileImp.h"
 #include "sources/binary_io/VBFStackImp.h"
+#include "sources/binary_io/chain_walk.h"
 #include "sources/binary_io/file_format.h"
 #include "sources/file/ReadAhead.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -19,11 +19,6 @@ using Vela::detail::StackRecord;
 using Vela::detail::StackRecordReader;
 
 namespace {
-
-[[noreturn]] void throw_invalid_position(int line)
-{
-    throw VelaError("VBFFileImp::attach_imp", __FILE__, line)("Invalid stack position specified in header!")(-4);
-}
 
 /// Calls `read`; where a `VelaError` comes out of it, the file is moved to `position` first.
 template <class Read>
@@ -38,13 +33,6 @@ void read_or_return_to(std::uint64_t position, VFile& file, Read read)
         file.seek(position);
         throw;
     }
-}
-
-std::shared_ptr<const StackRecord> read_record(ReadAhead& stream, StackRecordReader& reader, std::uint64_t position)
-{
-    if (stream.seek(position) == VFileAccess::all_ones)
-        throw_invalid_position(__LINE__);
-    return std::make_shared<const StackRecord>(reader.read(position));
 }
 
 } // namespace
@@ -114,18 +102,16 @@ VBFFileInfo VBFFileImp::read_front(ReadAhead& stream)
 void VBFFileImp::read_chain(ReadAhead& stream, std::uint64_t first_stack_pos)
 {
     StackRecordReader reader(stream);
-    std::unordered_set<std::uint64_t> visited;
     std::vector<Entry> chain;
     std::uint64_t field_pos = next_field_pos;
-    for (std::uint64_t pos = first_stack_pos; pos > 0;)
-    {
-        if (!visited.insert(pos).second)
-            throw_invalid_position(__LINE__);
-        const std::shared_ptr<const StackRecord> record = read_record(stream, reader, pos);
-        chain.emplace_back(record);
-        field_pos = pos + offsetof(VBFStackHeader, next_stack_pos);
-        pos = record->header.next_stack_pos;
-    }
+    Vela::detail::walk_chain(stream, first_stack_pos,
+                             [&](std::uint64_t position)
+                             {
+                                 const auto record = std::make_shared<const StackRecord>(reader.read(position));
+                                 chain.emplace_back(record);
+                                 field_pos = position + offsetof(VBFStackHeader, next_stack_pos);
+                                 return std::uint64_t{record->header.next_stack_pos};
+                             });
     stacks = std::move(chain);
     next_field_pos = field_pos;
 }

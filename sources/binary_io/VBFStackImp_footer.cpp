@@ -21,8 +21,6 @@ using Vela::detail::StackFooter;
 
 namespace {
 
-constexpr std::uint32_t most_columns = std::numeric_limits<std::uint32_t>::max();
-
 constexpr const char* in_header = "VBFStackImp::write_header";
 constexpr const char* in_footer = "VBFStackImp::write_footer";
 
@@ -47,7 +45,7 @@ void fill_axes(VBFStackHeader& header, const VStackInfoInterface& info)
     header.rank = static_cast<std::uint32_t>(sizes.size());
     for (std::size_t axis = 0; axis < sizes.size(); ++axis)
     {
-        if (sizes[axis] > most_columns)
+        if (sizes[axis] > Vela::detail::most_columns)
             throw header_error(__LINE__)("Size of axis %d does not fit the file format!", static_cast<int>(axis))(-1);
         header.dimension_sizes[axis] = static_cast<std::uint32_t>(sizes[axis]);
         header.lengths[axis] = info.get_length(axis);

@@ -3,42 +3,22 @@
 #include <VelaBase/vela_dt.h>
 #include <VelaBase/vela_dt_convert.h>
 
+#include "sources/binary_io/PositionGuard.h"
 #include "sources/binary_io/VBFFileImp.h"
 #include "sources/binary_io/VBFStackImp.h"
+#include "sources/binary_io/size_of.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <vector>
+
+using Vela::detail::size_of;
 
 namespace {
 
 constexpr int reading = 1;
-
-/// Puts the position of a file back, whatever happens.
-class PositionGuard
-{
-public:
-    explicit PositionGuard(VFile& in_file) : file(in_file), position(in_file.tell()) {}
-    PositionGuard(const PositionGuard&) = delete;
-    PositionGuard& operator=(const PositionGuard&) = delete;
-
-    ~PositionGuard()
-    {
-        try
-        {
-            if (position != VFileAccess::all_ones)
-                file.seek(position);
-        }
-        catch (...)
-        {
-            // Only a file that was closed meanwhile fails, and that has no position.
-        }
-    }
-
-private:
-    VFile& file;
-    const std::uint64_t position;
-};
 
 [[noreturn]] void throw_read_error(int line, const char* text)
 {
@@ -49,11 +29,6 @@ private:
 {
     throw VelaError("VBFStackImp::read_imp", __FILE__, line)("Invalid on-the-fly conversion from '%s' to '%s'!",
                                                              vela_dt_get_name(from), vela_dt_get_name(to))(-1);
-}
-
-std::uint64_t size_of_sample(vela_dt type)
-{
-    return vela_dt_get_size(static_cast<std::uint32_t>(type));
 }
 
 } // namespace
@@ -69,16 +44,16 @@ struct VBFStackImp::ReadTarget
     {
         if (count == 0)
             return;
-        std::memset(data, 0, count * size_of_sample(type));
+        std::memset(data, 0, count * size_of(type));
         if (imag != nullptr)
-            std::memset(imag, 0, count * size_of_sample(type));
+            std::memset(imag, 0, count * size_of(type));
     }
 
     void advance(std::uint64_t count)
     {
-        data += count * size_of_sample(type);
+        data += count * size_of(type);
         if (imag != nullptr)
-            imag += count * size_of_sample(type);
+            imag += count * size_of(type);
     }
 };
 
@@ -98,7 +73,7 @@ std::uint64_t VBFStackImp::read_imp(int type, void* data, void* imag, std::uint6
     const std::uint64_t first = pos == continued ? read_pos : pos;
     require_readable(first);
     VBFFileImp& owner = *file;
-    const PositionGuard guard(owner);
+    const Vela::detail::PositionGuard guard(owner);
     if (imag != nullptr)
         require_imaginary_parts(type);
     if (first > get_number_of_elements())
@@ -114,7 +89,7 @@ std::uint64_t VBFStackImp::read_imp(int type, void* data, void* imag, std::uint6
     }
 
     start_reading(type);
-    const std::uint64_t sample_size = size_of_sample(get_dt());
+    const std::uint64_t sample_size = size_of(get_dt());
     segment.seek(first * sample_size);
     const std::uint64_t chunk = std::max<std::uint64_t>(owner.get_chunk_size() / sample_size, 1);
     for (std::uint64_t samples_to_read = count; samples_to_read > 0;)
@@ -157,7 +132,7 @@ void VBFStackImp::start_reading(vela_dt type)
 {
     if (segment.is_initialized() == reading)
         return;
-    const std::uint64_t sample_size = size_of_sample(get_dt());
+    const std::uint64_t sample_size = size_of(get_dt());
     if (sample_size == 0)
         throw_invalid_conversion(__LINE__, get_dt(), type);
     if (get_number_of_elements() > std::numeric_limits<std::uint64_t>::max() / sample_size)
@@ -170,7 +145,7 @@ void VBFStackImp::start_reading(vela_dt type)
 
 void VBFStackImp::read_chunk(std::uint64_t count, const ReadTarget& target)
 {
-    const std::uint64_t size_bytes = count * size_of_sample(get_dt());
+    const std::uint64_t size_bytes = count * size_of(get_dt());
     if (target.type == get_dt() && target.imag == nullptr)
         return segment.read(target.data, size_bytes);
     if (scratch.size() < size_bytes)

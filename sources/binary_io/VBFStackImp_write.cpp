@@ -5,23 +5,17 @@
 #include <VelaBase/vela_dt_convert.h>
 
 #include "sources/binary_io/VBFFileImp.h"
+#include "sources/binary_io/file_format.h"
 #include "sources/binary_io/flush_block.h"
+#include "sources/binary_io/size_of.h"
 
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
 
+using Vela::detail::size_of;
+
 namespace {
-
-/// The most axes with samples that the OME record can hold.
-constexpr std::uint64_t most_axes_with_samples = 5;
-
-constexpr std::uint64_t most_columns = std::numeric_limits<std::uint32_t>::max();
-
-std::uint64_t size_of(int type)
-{
-    return vela_dt_get_size(static_cast<std::uint32_t>(type));
-}
 
 [[noreturn]] void throw_write(int line, const char* text)
 {
@@ -119,10 +113,10 @@ void VBFStackImp::require_steps(std::uint64_t count) const
     if (samples_per_step == 0)
         throw_write(__LINE__, "Not on sample boundary!");
     // The record of such a stack refuses to grow, and no reader takes it.
-    if (get_rank() > most_axes_with_samples)
+    if (get_rank() > Vela::detail::max_record_rank)
         throw std::invalid_argument("Unsupported number of sizes");
     const std::uint64_t countable = std::numeric_limits<std::uint64_t>::max() - samples_written;
-    if (count > countable || (samples_written + count) / samples_per_step > most_columns)
+    if (count > countable || (samples_written + count) / samples_per_step > Vela::detail::most_columns)
         throw VelaError("VBFStackImp::write", __FILE__, __LINE__)("Size of axis %d does not fit the file format!",
                                                                   static_cast<int>(get_rank() - 1))(-1);
 }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace Vela::detail {
 
@@ -20,5 +22,11 @@ constexpr std::uint32_t last_version_without_dictionary = 1;
 
 /// Stacks of this version end with their data.
 constexpr std::uint32_t stack_version_without_footer = 0;
+
+/// A header counts the columns of an axis with 32 bits.
+constexpr std::uint64_t most_columns = std::numeric_limits<std::uint32_t>::max();
+
+/// More axes with samples the OME record of a stack does not have.
+constexpr std::size_t max_record_rank = 5;
 
 } // namespace Vela::detail
