@@ -4,6 +4,7 @@
 #include <VelaStacks/VStack.h>
 
 #include <bit>
+#include <cmath>
 #include <limits>
 
 using namespace vela_test;
@@ -170,8 +171,10 @@ TEST_F(DblReading, LengthsAreTakenAsTheyAre)
 {
     DblFields fields;
     fields.lengths = {0.0f, -std::numeric_limits<float>::infinity(), 1.0f, 1.0f};
-    const StackPointer stack = open_dbl(dbl_bytes(fields, Bytes(48, 0)));
-    EXPECT_EQ(stack->get_lengths(), (Doubles{0.0, -std::numeric_limits<double>::infinity()}));
+    EXPECT_EQ(open_dbl(dbl_bytes(fields, Bytes(48, 0)))->get_lengths(),
+              (Doubles{0.0, -std::numeric_limits<double>::infinity()}));
+    fields.lengths[0] = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_TRUE(std::isnan(open_dbl(dbl_bytes(fields, Bytes(48, 0)))->get_length(0)));
 }
 
 TEST_F(DblReading, TheFileIsOpenForReading)

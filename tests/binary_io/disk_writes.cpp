@@ -34,6 +34,13 @@ std::uint64_t DiskWrites::take_room(std::uint64_t size_bytes)
     return taken;
 }
 
+void DiskWrites::note_write(std::uint64_t position, const unsigned char* bytes, std::uint64_t size_bytes)
+{
+    writes.push_back({position, size_bytes});
+    if (kept_bytes != nullptr)
+        kept_bytes->emplace_back(bytes, bytes + size_bytes);
+}
+
 } // namespace vela_test
 
 using vela_test::DiskWrites;
@@ -54,7 +61,7 @@ extern "C" __attribute__((visibility("default"))) ssize_t write(int descriptor, 
     const auto position = static_cast<std::uint64_t>(syscall(SYS_lseek, descriptor, 0, SEEK_CUR));
     const ssize_t written = syscall(SYS_write, descriptor, buffer, allowed);
     if (written > 0)
-        watch->note_write(position, static_cast<std::uint64_t>(written));
+        watch->note_write(position, static_cast<const unsigned char*>(buffer), static_cast<std::uint64_t>(written));
     return written;
 }
 

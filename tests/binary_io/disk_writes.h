@@ -37,17 +37,21 @@ public:
     /// From now on `size_bytes` more bytes are written; then every write fails for want of space.
     void set_room(std::uint64_t size_bytes) { room = size_bytes; }
 
+    /// From now on `kept` gets the bytes of each write.
+    void keep_bytes_in(std::vector<std::vector<unsigned char>>& kept) { kept_bytes = &kept; }
+
     static DiskWrites* current;
 
     /// For the definitions of the system calls.
     std::uint64_t take_room(std::uint64_t size_bytes);
-    void note_write(std::uint64_t position, std::uint64_t size_bytes) { writes.push_back({position, size_bytes}); }
+    void note_write(std::uint64_t position, const unsigned char* bytes, std::uint64_t size_bytes);
     void note_call() { ++calls; }
 
 private:
     std::vector<DiskWrite> writes;
     std::size_t calls = 0;
     std::uint64_t room = ~std::uint64_t{0};
+    std::vector<std::vector<unsigned char>>* kept_bytes = nullptr;
 };
 
 } // namespace vela_test

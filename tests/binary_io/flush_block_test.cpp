@@ -1,6 +1,8 @@
 // The choice of the flush block against the words that define it, step by step.
 #include "sources/binary_io/flush_block.h"
 
+#include "binary_io/flush_block_model.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -14,35 +16,9 @@ namespace {
 
 using Sizes = std::vector<std::uint64_t>;
 
-std::uint64_t literal_split(std::uint64_t block, std::uint64_t size)
-{
-    for (std::uint64_t d = 2;; ++d)
-    {
-        if (block / d > 0x40000)
-            continue;
-        if (block / d < 0x10000)
-            return d == 2 ? 0x10000 : block / (d - 1);
-        if (size % d == 0)
-            return block / d;
-    }
-}
-
 std::uint64_t literal_choice(const Sizes& sizes, std::uint64_t sample_size)
 {
-    std::uint64_t total = sample_size;
-    for (const std::uint64_t size : sizes)
-        total *= size;
-    if (total == 0 || total < 0x10000)
-        return 0;
-    std::uint64_t block = sample_size;
-    std::size_t i = 0;
-    for (;; ++i)
-    {
-        block *= sizes[i];
-        if (block >= 0x10000)
-            break;
-    }
-    return block <= 0x40000 ? block : literal_split(block, sizes[i]);
+    return vela_test::chosen_block(sizes, sample_size, any_flush_block);
 }
 
 TEST(FlushBlock, IsThatOfTheLiteralSteps)

@@ -1,6 +1,7 @@
 #include "binary_io/random_stack.h"
 
-#include <VelaBase/vela_dt.h>
+#include "binary_io/sample_types.h"
+
 #include <VelaBase/vela_dt_convert.h>
 
 #include <gtest/gtest.h>
@@ -13,22 +14,6 @@
 namespace vela_test {
 
 namespace {
-
-constexpr std::array<int, 10> types = {vela_dt_uint8,
-                                       vela_dt_int8,
-                                       vela_dt_uint16,
-                                       vela_dt_int16,
-                                       vela_dt_uint32,
-                                       vela_dt_int32,
-                                       vela_dt_single,
-                                       vela_dt_double,
-                                       vela_dt_single | vela_dt_complex,
-                                       vela_dt_double | vela_dt_complex};
-
-std::uint64_t size_of(int dt)
-{
-    return vela_dt_get_size(static_cast<std::uint32_t>(dt));
-}
 
 Sizes draw_sizes(Draw& draw)
 {
@@ -142,7 +127,7 @@ std::string Draw::text(std::uint64_t longest)
     return std::string(any.begin(), any.end());
 }
 
-RandomStack::RandomStack(Draw& draw) : sizes(draw_sizes(draw)), dt(types[draw.below(types.size())])
+RandomStack::RandomStack(Draw& draw) : sizes(draw_sizes(draw)), dt(types_of_stacks[draw.below(types_of_stacks.size())])
 {
     grows = !sizes.empty() && draw.one_in(3);
     empty = !grows && draw.one_in(10);
@@ -177,6 +162,13 @@ RandomStack::RandomStack(Draw& draw) : sizes(draw_sizes(draw)), dt(types[draw.be
     if (grows && std::find(sizes.begin(), sizes.end() - 1, 0) != sizes.end() - 1)
         sizes.back() = 0;
     samples = empty ? Bytes(count() * sample_size(), 0) : draw_samples(draw, dt, count());
+}
+
+std::uint32_t RandomStack::draw_chunk_size(Draw& draw) const
+{
+    static constexpr std::array<std::uint32_t, 6> sizes_bytes = {0, 1, 7, 1000, 65536, 0x400000};
+    const std::size_t first = samples.size() > 3000 ? 3 : 0;
+    return sizes_bytes[first + draw.below(sizes_bytes.size() - first)];
 }
 
 std::uint64_t RandomStack::count() const

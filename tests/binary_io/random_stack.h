@@ -36,6 +36,9 @@ struct RandomStack
     /// Takes a drawn stack.
     explicit RandomStack(Draw& draw);
 
+    /// Bytes that are moved at once: a few at a time only where they are not many, which would take long.
+    std::uint32_t draw_chunk_size(Draw& draw) const;
+
     /// In pieces, of samples in another type at times.
     void write(VBFFileInterface& file, Draw& draw) const;
     /// Expects all of it, reading the samples as a whole and in pieces.

@@ -1,6 +1,6 @@
 // Samples come in chunks: conversion, the progress callback, and cancelling.
+#include "binary_io/sample_types.h"
 #include "binary_io/vbf_reading_test.h"
-
 #include "support/zlib_stream.h"
 
 #include <VelaBase/vela_dt_convert.h>
@@ -13,11 +13,6 @@ namespace {
 
 constexpr vela_dt scalars[] = {vela_dt_uint8, vela_dt_int8,   vela_dt_uint16, vela_dt_int16,  vela_dt_uint32,
                                vela_dt_int32, vela_dt_single, vela_dt_double, vela_dt_uint64, vela_dt_int64};
-
-std::uint64_t size_of(vela_dt type)
-{
-    return vela_dt_get_size(static_cast<std::uint32_t>(type));
-}
 
 std::string refusal(vela_dt from, vela_dt to)
 {
@@ -63,20 +58,6 @@ protected:
     }
 };
 
-std::vector<vela_dt> types_on_disk()
-{
-    return {vela_dt_uint8,
-            vela_dt_int8,
-            vela_dt_uint16,
-            vela_dt_int16,
-            vela_dt_uint32,
-            vela_dt_int32,
-            vela_dt_single,
-            vela_dt_double,
-            vela_dt_single | vela_dt_complex,
-            vela_dt_double | vela_dt_complex};
-}
-
 std::vector<vela_dt> types_of_buffers()
 {
     std::vector<vela_dt> types;
@@ -95,7 +76,7 @@ std::vector<vela_dt> types_of_buffers()
 
 TEST_F(VbfSampleChunks, EveryTypeBecomesEveryOtherAsInOneConversion)
 {
-    for (const vela_dt from : types_on_disk())
+    for (const vela_dt from : types_of_stacks)
     {
         const RecordFields fields = samples_of(from);
         const StackPointer stack = only_stack(fields);

@@ -177,7 +177,7 @@ TEST_F(VbfStackHandles, TheEndIsWhatTheFooterSays)
 {
     VbfRecords built(1);
     const RecordPlaces places = built.add_stack_record(bytes_record({1, 2, 3}));
-    built.set_u64_at(places.footer + footer_stack_end_at, 7);
+    built.set_u64_at(places.footer + footer_stack_end_pos_at, 7);
     AttachedFile attached(put(built));
     attached.attach();
     EXPECT_EQ(attached.file->seek_to_end_of_stack(0), 7u);

@@ -1,6 +1,5 @@
-// How many system calls opening, a scan and a seek make. This program defines the calls itself and so sees every one that
-// the library makes; a count, unlike a time, is the same on every machine.
-
+// How many system calls opening, a scan and a seek make. A count, unlike a time, is the same on every machine.
+#include "binary_io/disk_reads.h"
 #include "support/temporary_folder.h"
 #include "support/vbf_bytes.h"
 
@@ -16,35 +15,12 @@
 #include <cstdint>
 #include <random>
 #include <string>
-#include <sys/syscall.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
-std::size_t calls = 0;
-std::uint64_t bytes_read = 0;
-
-} // namespace
-
-// Visible, so that the library finds these instead of those of the system.
-extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void* buffer, std::size_t size)
-{
-    ++calls;
-    const ssize_t count = syscall(SYS_read, descriptor, buffer, size);
-    bytes_read += count > 0 ? static_cast<std::uint64_t>(count) : 0;
-    return count;
-}
-
-extern "C" __attribute__((visibility("default"))) off_t lseek(int descriptor, off_t offset, int whence) noexcept
-{
-    ++calls;
-    return syscall(SYS_lseek, descriptor, offset, whence);
-}
-
-namespace {
-
 using vela_test::Bytes;
+using vela_test::DiskReads;
 using vela_test::file_name;
 using vela_test::FolderTest;
 using vela_test::StackFields;
@@ -71,10 +47,10 @@ protected:
             file.stack(fields);
         vela_test::put_bytes(path("many.vbf"), file.bytes());
         VFile opened(file_name(path("many.vbf")), VFile::read_mode);
-        calls = 0;
+        const DiskReads disk;
         EXPECT_EQ(scan_chain(opened).stacks.size(), count);
-        EXPECT_GT(calls, 0u);
-        return calls;
+        EXPECT_GT(disk.count_calls(), 0u);
+        return disk.count_calls();
     }
 };
 
@@ -110,11 +86,11 @@ protected:
             stack->write(vela_dt_uint8, samples.data(), nullptr, VBFStackInterface::all_samples);
         }
         file->close();
-        calls = 0;
+        const DiskReads disk;
         file.open(file_name(path("many.vbf")), VFile::read_mode);
         EXPECT_EQ(file->number_of_stacks(), count);
-        EXPECT_GT(calls, 0u);
-        return calls;
+        EXPECT_GT(disk.count_calls(), 0u);
+        return disk.count_calls();
     }
 };
 
@@ -152,15 +128,15 @@ TEST_F(SeekCost, APlaneReadsNoMoreThanItsBlockAndOneWindow)
     segment.set_flush_positions(positions, block);
     for (const std::size_t index : {9u, 3u, 15u, 1u})
     {
-        bytes_read = 0;
         Bytes got(plane, 0xA5);
+        const DiskReads disk;
         segment.seek(index * plane);
         segment.read(got.data(), got.size());
         const auto begin = data.begin() + static_cast<std::ptrdiff_t>(index * plane);
         EXPECT_TRUE(std::equal(got.begin(), got.end(), begin));
         const std::uint64_t end = index < positions.size() ? positions[index] : length;
-        EXPECT_LE(bytes_read, end - positions[index - 1] + window);
-        EXPECT_GT(bytes_read, 0u);
+        EXPECT_LE(disk.count_bytes(), end - positions[index - 1] + window);
+        EXPECT_GT(disk.count_bytes(), 0u);
     }
 }
 

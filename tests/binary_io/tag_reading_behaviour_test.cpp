@@ -107,7 +107,7 @@ TEST_F(VbfTags, AreNotReadWhereTheirLengthIsZero)
     fields.tags = {{"a", "b"}};
     VbfRecords built(1);
     const RecordPlaces places = built.add_stack_record(fields);
-    built.set_u64_at(places.footer + footer_tag_length_at, 0);
+    built.set_u64_at(places.footer + footer_tag_dictionary_length_at, 0);
     EXPECT_EQ(open(built)->get_stack(0)->get_tag_keys(), Keys());
 }
 
@@ -119,7 +119,7 @@ TEST_F(VbfTags, AnyOtherLengthIsOnlyTold)
     {
         VbfRecords built(1);
         const RecordPlaces places = built.add_stack_record(fields);
-        built.set_u64_at(places.footer + footer_tag_length_at, length);
+        built.set_u64_at(places.footer + footer_tag_dictionary_length_at, length);
         EXPECT_EQ(open(built)->get_stack(0)->get_tag("a"), "b") << length;
     }
 }
@@ -262,6 +262,16 @@ TEST_F(VbfTags, AValueThatIsNoNumberFailsAsOne)
     double value = 42.0;
     EXPECT_THROW(stack->get_tag("a", vela_dt_double, &value), VelaError);
     EXPECT_EQ(value, 42.0);
+}
+
+TEST_F(VbfTags, AColourIsASupportedTypeThatNoTextHolds)
+{
+    const StackPointer stack = with_tags({{"a", tag_xml("uint32", "1")}});
+    _s_vela_RGB colour(1, 2, 3);
+    const std::string failure = failure_of([&] { stack->get_tag("a", vela_dt_rgb, &colour); });
+    EXPECT_EQ(failure.rfind("VelaError -1 ", 0), 0u) << failure;
+    EXPECT_EQ(failure.find("Tag type not supported!"), std::string::npos);
+    EXPECT_EQ(colour, _s_vela_RGB(1, 2, 3));
 }
 
 TEST_F(VbfTags, ATagOfAStackThatIsReadChangesInMemoryAlone)

@@ -68,21 +68,6 @@ constexpr std::uint64_t first_record_pos = 34;
 constexpr std::uint64_t stack_header_size = 368;
 constexpr std::uint64_t stack_footer_size = 1444;
 
-/// Offsets of fields in a footer.
-enum FooterOffset : std::uint64_t
-{
-    footer_col_positions_at = 4,
-    footer_col_labels_at = 64,
-    footer_metadata_length_at = 124,
-    footer_data_units_at = 128,
-    footer_dimension_units_at = 208,
-    footer_flush_point_count_at = 1408,
-    footer_flush_block_size_at = 1416,
-    footer_tag_dictionary_length_at = 1424,
-    footer_stack_end_pos_at = 1432,
-    footer_required_reader_version_at = 1440,
-};
-
 /// `count` bytes 0, 1, 2 and so on.
 inline Bytes counted_bytes(std::size_t count)
 {

@@ -222,4 +222,20 @@ enum StackOffset : std::uint64_t
     stack_next_at = 360,
 };
 
+/// Offsets of fields in the footer of a stack.
+enum FooterOffset : std::uint64_t
+{
+    footer_size_at = 0,
+    footer_col_positions_at = 4,
+    footer_col_labels_at = 64,
+    footer_metadata_length_at = 124,
+    footer_data_units_at = 128,
+    footer_dimension_units_at = 208,
+    footer_flush_point_count_at = 1408,
+    footer_flush_block_size_at = 1416,
+    footer_tag_dictionary_length_at = 1424,
+    footer_stack_end_pos_at = 1432,
+    footer_required_reader_version_at = 1440,
+};
+
 } // namespace vela_test

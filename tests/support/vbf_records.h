@@ -52,22 +52,6 @@ struct RecordPlaces
     std::uint64_t end;
 };
 
-/// Offsets of fields in a footer.
-enum FooterOffset : std::uint64_t
-{
-    footer_size_at = 0,
-    footer_col_positions_at = 4,
-    footer_col_labels_at = 64,
-    footer_metadata_length_at = 124,
-    footer_data_units_at = 128,
-    footer_units_at = 208,
-    footer_flush_count_at = 1408,
-    footer_flush_block_size_at = 1416,
-    footer_tag_length_at = 1424,
-    footer_stack_end_at = 1432,
-    footer_reader_version_at = 1440,
-};
-
 inline void append_unit(Bytes& bytes, const UnitFields& unit)
 {
     for (std::size_t i = 0; i < 9; ++i)
@@ -95,7 +79,7 @@ inline Bytes dictionary_bytes(const std::vector<std::pair<std::string, std::stri
 ///
 ///     VbfRecords file(1);
 ///     const RecordPlaces first = file.add_stack_record({});
-///     file.set_u32_at(first.footer + footer_reader_version_at, 6);
+///     file.set_u32_at(first.footer + footer_required_reader_version_at, 6);
 class VbfRecords : public VbfBytes
 {
 public:
@@ -150,8 +134,8 @@ public:
         if (fields.has_tag_dictionary)
             add_pairs(fields.tags);
         places.end = size();
-        if (fields.tells_end && fields.footer_size >= footer_stack_end_at + 8)
-            set_u64_at(places.footer + footer_stack_end_at, places.end);
+        if (fields.tells_end && fields.footer_size >= footer_stack_end_pos_at + 8)
+            set_u64_at(places.footer + footer_stack_end_pos_at, places.end);
         return places;
     }
 
