@@ -41,7 +41,7 @@ constexpr vela_dt vela_dt_array = INT32_MIN;
 ///
 /// Packing and unpacking are not inverse to each other, and this is required: packing puts byte 0
 /// into bits 0 to 7, unpacking puts bits 0 to 7 into byte 2. A round trip swaps bytes 0 and 2.
-struct _s_vela_RGB
+struct VELA_API _s_vela_RGB // exported, or clang hides what is instantiated for it
 {
     /// All bytes 0.
     constexpr _s_vela_RGB() = default;

@@ -103,7 +103,9 @@ private:
     /// To behind `word`.
     bool skip_past(const char* word)
     {
-        const char* const found = std::strstr(p, word);
+        const char* found = std::strchr(p, *word); // under AddressSanitizer each strstr looks for the end of the text
+        while (found != nullptr && !begins_with(found, word))
+            found = std::strchr(found + 1, *word);
         if (found == nullptr)
             return false;
         p = found + std::strlen(word);

@@ -5,6 +5,7 @@
 #include "binary_io/manifest.h"
 #include "binary_io/outcome.h"
 #include "binary_io/plain_scan.h"
+#include "support/address_sanitizer.h"
 #include "support/expect_vela_error.h"
 #include "support/sha256.h"
 #include "support/temporary_folder.h"
@@ -43,18 +44,6 @@ std::uint64_t peak_memory_kib()
             return std::stoull(line.substr(6));
     throw std::runtime_error("the system does not tell the peak of memory");
 }
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool has_sanitizer = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool has_sanitizer = true;
-#else
-constexpr bool has_sanitizer = false;
-#endif
-#else
-constexpr bool has_sanitizer = false;
-#endif
 
 } // namespace
 
@@ -138,7 +127,7 @@ TEST(HostileScan, ALengthOfAllOnesIsShownAsMinusOne)
 
 TEST(HostileScan, MemoryStaysBelow512MiB)
 {
-    if (has_sanitizer)
+    if (has_address_sanitizer)
         GTEST_SKIP() << "a sanitizer has memory of its own";
     for (const DataFile& file : data_files("hostile"))
     {

@@ -1,5 +1,6 @@
 // DBL files where there is no memory: 16 GiB are asked for in a process that may not have them.
 #include "binary_io/dbl_file_test.h"
+#include "support/address_sanitizer.h"
 
 #include <VelaBase/VelaError.h>
 #include <VelaFile/VFile.h>
@@ -24,10 +25,9 @@ class DblMemory : public DblTest
 
 void limit_memory()
 {
-#ifndef __SANITIZE_ADDRESS__
     const rlimit limit = {rlim_t{2} << 30, rlim_t{2} << 30};
-    setrlimit(RLIMIT_AS, &limit);
-#endif
+    if (!has_address_sanitizer)
+        setrlimit(RLIMIT_AS, &limit);
 }
 
 /// Runs `work` in a process with little memory: `EXPECT_EQ(..., 0)` of the number of the first check that fails.

@@ -238,8 +238,8 @@ struct Level
     int number;
 
     friend bool operator<(const Level& left, const Level& right) { return left.number < right.number; }
-    friend bool operator<(const Level& left, int right) { return left.number > right; }
-    friend bool operator<(int left, const Level& right) { return left > right.number; }
+    [[maybe_unused]] friend bool operator<(const Level& left, int right) { return left.number > right; }
+    [[maybe_unused]] friend bool operator<(int left, const Level& right) { return left > right.number; }
 };
 
 TEST(Map, KeysAreOrderedByTheirOwnOrderAlone)
@@ -266,8 +266,14 @@ struct BackwardText
     std::string_view text;
 
     operator std::string_view() const { return text; }
-    friend bool operator<(const BackwardText& left, const std::string& right) { return left.text > right; }
-    friend bool operator<(const std::string& left, const BackwardText& right) { return left > right.text; }
+    [[maybe_unused]] friend bool operator<(const BackwardText& left, const std::string& right)
+    {
+        return left.text > right;
+    }
+    [[maybe_unused]] friend bool operator<(const std::string& left, const BackwardText& right)
+    {
+        return left > right.text;
+    }
 };
 
 TEST(Map, WhatIsAViewIsLookedUpInTheOrderOfBytes)

@@ -63,8 +63,8 @@ class Inspection
 {
 public:
     Inspection(VFile& in_file, const VBFChainEntry& in_stack, std::uint64_t in_size_bytes, Findings& in_findings)
-        : file(in_file), stack(in_stack), begin(in_stack.data_pos),
-          end(in_stack.data_pos + in_stack.header.data_length_on_disk), size_bytes(in_size_bytes), findings(in_findings)
+        : file(in_file), begin(in_stack.data_pos), end(in_stack.data_pos + in_stack.header.data_length_on_disk),
+          size_bytes(in_size_bytes), findings(in_findings)
     {
     }
 
@@ -183,7 +183,6 @@ private:
     }
 
     VFile& file;
-    const VBFChainEntry& stack;
     const std::uint64_t begin;
     const std::uint64_t end;
     const std::uint64_t size_bytes;

@@ -9,7 +9,7 @@
 
 namespace {
 
-int keep_message(TIFF*, void* target, const char*, const char* format, va_list arguments)
+[[gnu::format(printf, 4, 0)]] int keep_message(TIFF*, void* target, const char*, const char* format, va_list arguments)
 {
     std::array<char, 512> buffer = {};
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);

@@ -90,10 +90,13 @@ void expect_same_as_cast(const ScalarKind& source, const ScalarKind& target, con
 
 TEST(SampleReference, AgreesWithCastsOfFloatsInRange)
 {
-    const auto fits_32 = [](double value) { return value > -2147483649.0 && value < 2147483648.0; };
-    const auto fits_64 = [](double value) { return value >= -0x1p63 && value < 0x1p63; };
-    const auto fits_unsigned = [](double value) { return value > -1.0 && value < 0x1p64; };
-    const auto is_number = [](double value) { return value == value; };
+    const auto fits_32 = [](auto value)
+    { return static_cast<double>(value) > -2147483649.0 && static_cast<double>(value) < 2147483648.0; };
+    const auto fits_64 = [](auto value)
+    { return static_cast<double>(value) >= -0x1p63 && static_cast<double>(value) < 0x1p63; };
+    const auto fits_unsigned = [](auto value)
+    { return static_cast<double>(value) > -1.0 && static_cast<double>(value) < 0x1p64; };
+    const auto is_number = [](auto value) { return value == value; };
     expect_same_as_cast<double, std::int32_t>(double_kind, int32_kind, fits_32);
     expect_same_as_cast<double, std::int64_t>(double_kind, int64_kind, fits_64);
     expect_same_as_cast<double, std::uint64_t>(double_kind, uint64_kind, fits_unsigned);

@@ -58,9 +58,9 @@ inline std::vector<double> turning_points()
                                    1e19,
                                    1e20,
                                    1e30,
-                                   std::numeric_limits<float>::max(),
-                                   std::numeric_limits<float>::min(),
-                                   std::numeric_limits<float>::denorm_min()};
+                                   static_cast<double>(std::numeric_limits<float>::max()),
+                                   static_cast<double>(std::numeric_limits<float>::min()),
+                                   static_cast<double>(std::numeric_limits<float>::denorm_min())};
     // The limits of all integer types are among these, each with its neighbours.
     for (int exponent = 0; exponent <= 66; ++exponent)
     {
