@@ -40,7 +40,7 @@ boost::shared_ptr<VBFStackImp> VBFFileImp::copy_of(std::uint64_t index)
     if (index >= stacks.size())
         throw VelaError("VBFFileImp::get_stack", __FILE__, __LINE__)("Invalid stack index %d!",
                                                                      Vela::detail::low_bits(index))(-4);
-    const boost::shared_ptr<VBFStackImp> copy = stacks[index].copy(this);
+    boost::shared_ptr<VBFStackImp> copy = stacks[index].copy(this);
     remember_handle(copy);
     return copy;
 }

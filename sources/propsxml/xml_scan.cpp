@@ -154,12 +154,10 @@ private:
     {
         const char* const start = p;
         skip_space();
+        const bool is_text = p != start || *p != '<';
+        result.nodes += depth > 0 && is_text ? 1 : 0;
         if (*p == '<')
-        {
-            result.nodes += depth > 0 && p != start ? 1 : 0;
             return true;
-        }
-        ++result.nodes;
         return depth > 0 && (skip_long_text(start) || skip_characters('<'));
     }
 

@@ -77,7 +77,7 @@ TEST_F(VBFFileMemory, MetadataOfNothingButElementsAreRefusedBeforeTheirTreeIsBui
         for (const std::string& root : {std::string("<root>"), native_root})
         {
             std::string xml = root;
-            while (xml.size() < 12 * mebibyte)
+            while (xml.size() < 8 * mebibyte)
                 xml += element;
             RecordFields fields = bytes_record({1, 2});
             fields.metadata = xml + "</root>";

@@ -35,9 +35,29 @@ std::size_t depth_of(const TiXmlNode& node)
     return deepest;
 }
 
+/// What is in a node: other nodes, and attributes.
+std::size_t count_in(const TiXmlNode& node)
+{
+    std::size_t count = 0;
+    const TiXmlElement* const element = node.ToElement();
+    for (const TiXmlAttribute* attribute = element ? element->FirstAttribute() : nullptr; attribute;
+         attribute = attribute->Next())
+        ++count;
+    for (const TiXmlNode* child = node.FirstChild(); child; child = child->NextSibling())
+        count += 1 + count_in(*child);
+    return count;
+}
+
+std::size_t scanned_nodes(std::string text)
+{
+    text.append(4, '\0');
+    return ticpp::scan(text.c_str(), {any_number, any_number, any_number}).nodes;
+}
+
 struct Parsed
 {
     std::size_t depth;
+    std::size_t nodes;
     bool is_well_formed;
 };
 
@@ -46,14 +66,16 @@ Parsed parse(const std::string& text)
     TiXmlBase::SetCondenseWhiteSpace(false);
     TiXmlDocument document;
     document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UTF8);
-    return {depth_of(document), !document.Error()};
+    return {depth_of(document), count_in(document), !document.Error()};
 }
 
-/// The parser never gets deeper than is said, and where it reads all, exactly so deep.
+/// The parser never gets deeper than is said, and where it reads all, exactly so deep. It makes no more nodes than were
+/// counted.
 void expect_as_the_parser(std::string text)
 {
     text.append(4, '\0');
     const Parsed parsed = parse(text);
+    EXPECT_LE(parsed.nodes, scanned_nodes(text)) << text;
     if (parsed.depth > 0)
     {
         EXPECT_TRUE(is_nested_deeper(text.c_str(), parsed.depth - 1)) << text;
@@ -181,6 +203,18 @@ TEST(XmlScan, CountsTheAttributesOfEachElement)
     EXPECT_TRUE(has_more_attributes("<a b='1' c=\"2\" d=3></a>", 2));
     EXPECT_TRUE(has_more_attributes("<a><b c='' d=''/></a>", 1));
     EXPECT_FALSE(has_more_attributes("<?xml version='' encoding='' standalone=''?><a b=''/>", 1));
+}
+
+TEST(XmlScan, CountsWhatTheParserWouldMake)
+{
+    EXPECT_EQ(scanned_nodes(""), 0U);
+    EXPECT_EQ(scanned_nodes("<a/>"), 1U);
+    EXPECT_EQ(scanned_nodes("<a b='1' c='2'></a>"), 3U);
+    EXPECT_EQ(scanned_nodes("<a><b/><b/></a>"), 3U);
+    EXPECT_EQ(scanned_nodes("<a>1<b/>2</a>"), 4U);
+    EXPECT_EQ(scanned_nodes("<a><!-- 1 --><![CDATA[2]]></a>"), 3U);
+    EXPECT_EQ(scanned_nodes("<?xml version='1.0'?><a/>"), 2U);
+    EXPECT_EQ(scanned_nodes("<a>" + std::string(100, 'x') + "</a>"), 2U);
 }
 
 TEST(XmlScan, FindsLongTextsOfElements)
