@@ -80,9 +80,9 @@ public:
     /// nothing and commits it.
     ///
     /// **Failures.** What is wrong before anything of the stack is written leaves it in state 1, as if there had been
-    /// no call, and so does a header that the system refuses, for want of space for instance. Any other failure leaves
-    /// it in state 2, without a footer and outside the chain of the file:
-    /// - The first call was refused behind that, for its imaginary buffer, its count or a header that cannot be: the
+    /// no call. Any other failure leaves it in state 2, without a footer and outside the chain of the file:
+    /// - The system refused the header, for want of space for instance: the next call writes it.
+    /// - The first call was refused before that, for its imaginary buffer, its count or a header that cannot be: the
     ///   stack has no header on disk and cannot be completed. What is written to it is "Trying to write to file in read
     ///   mode!", id -1, or one of the failures below. `add_stack` and `close` say the same, since they commit.
     /// - A compressed stack whose samples could not all be written cannot be completed either: "File not open!", id -1.

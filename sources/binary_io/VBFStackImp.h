@@ -136,6 +136,7 @@ private:
     std::int32_t compression_type = 0;
     std::int32_t compression_level = 1;
     std::int32_t state = -1;
+    bool lacks_header = false;       ///< the system refused it; the next call writes it
     bool has_own_ome_record = false; ///< somebody may have put more into it than the description says
     std::uint64_t data_pos = 0;
     std::uint64_t data_length = 0; ///< bytes on disk

@@ -48,6 +48,8 @@ void VBFStackImp::write(int type, const void* data, const void* imag, std::uint6
     const bool starting = state == 1;
     if (starting)
         count = begin_writing(type, imag, count);
+    else if (lacks_header && count == all_samples)
+        count = samples_left;
     require_imaginary_place(type, imag);
     if (count == 0)
         require_complete();
@@ -55,7 +57,7 @@ void VBFStackImp::write(int type, const void* data, const void* imag, std::uint6
         require_room(count);
     // A variable stack has nothing left at any time, so only a commit finishes it.
     const bool finishing = count == 0 || count == samples_left;
-    if (starting)
+    if (starting || lacks_header)
         start_record();
     if (count != 0)
         write_samples(type, data, imag, count);
@@ -159,11 +161,12 @@ void VBFStackImp::require_complete() const
         throw_write(__LINE__, "Not enough samples written!");
 }
 
-/// Header and stream. Where the system refuses them, the stack is as it was before its first call.
+/// Header and stream. Where the system refuses them, the next call begins with them.
 void VBFStackImp::start_record()
 {
     const VBFStackHeader header = make_header();
     header_pos = file->tell();
+    lacks_header = true;
     try
     {
         write_header(header);
@@ -173,9 +176,9 @@ void VBFStackImp::start_record()
     {
         Vela::detail::move_back(*file, header_pos);
         locked = false;
-        state = 1;
         throw;
     }
+    lacks_header = false;
     flush_block_size = Vela::detail::choose_flush_block(get_sizes(), size_of(get_dt()), flush_block_size);
     if (flush_block_size != 0)
         segment.set_flush_block_size(flush_block_size);

@@ -129,7 +129,7 @@ TEST_F(FailingWrites, AHeaderOfAStackIsWrittenAgain)
                 disk.set_room(room);
                 EXPECT_VELA_ERROR_IN(stack->write(vela_dt_uint8, "abcdef", nullptr, VBFStackInterface::all_samples),
                                      "VFile::write", "sources/file", -3, "Failed writing 372 bytes to file!");
-                EXPECT_EQ(stack->get_state(), 1);
+                EXPECT_EQ(stack->get_state(), 2);
             }
             stack->set_name("new name");
             stack->write(vela_dt_uint8, "abcdef", nullptr, VBFStackInterface::all_samples);
