@@ -4,8 +4,6 @@
 #include "support/failing_memory.h"
 #include "support/sample_bytes.h"
 
-#include <VelaStacks/VStack.h>
-
 #include <new>
 
 using namespace vela_test;
@@ -132,24 +130,6 @@ TEST_F(FailingMemory, WhileSamplesAreReadLeavesThePosition)
         EXPECT_EQ(stack->read(vela_dt_uint8, buffer.data(), nullptr, 5000, pos), 5000u);
         EXPECT_TRUE(slice(buffer, 0, 5000) == slice(samples, 200000, 205000));
     }
-}
-
-TEST_F(FailingMemory, WhileAWholeStackIsReadLeavesTheFileAsItWas)
-{
-    const Bytes samples = sparse_bytes(30000);
-    const Stack written = add({30000});
-    written->set_compression(1, 6);
-    written->write(vela_dt_uint8, samples.data(), nullptr, 30000);
-    reopen();
-    bool done = false;
-    for (std::size_t requests = 0; !done; ++requests)
-    {
-        SCOPED_TRACE(requests);
-        ASSERT_LT(requests, 3000u) << "it never comes to its end";
-        done = succeeds(requests, [&] { file->read_stack(0, 0); });
-    }
-    const auto stack = file->read_stack(0, 0);
-    EXPECT_TRUE(Bytes(stack->get_data_ptr(), stack->get_data_ptr() + 30000) == samples);
 }
 
 TEST_F(FailingMemory, LeavesNoTagWithoutItsText)
