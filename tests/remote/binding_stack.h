@@ -10,6 +10,12 @@
 
 namespace vela_test {
 
+/// What a binding may throw: no `std::exception`.
+struct Refusal
+{
+    std::string at;
+};
+
 /// Answers what the constructors over a `Remote::Stack` may ask, and notes the order. All else fails.
 struct BindingStack : Remote::Stack
 {
@@ -50,6 +56,7 @@ struct BindingStack : Remote::Stack
     std::vector<double> given_lengths = {20.0, 30.0};
     std::vector<double> given_offsets = {1.0, -2.0};
     std::string given_id;
+    std::string refuses; ///< the question that gets a `Refusal`
     mutable std::vector<std::string> calls;
 
 private:
@@ -57,6 +64,8 @@ private:
     const T& asked(const char* operation, const T& answer) const
     {
         calls.emplace_back(operation);
+        if (refuses == operation)
+            throw Refusal{operation};
         return answer;
     }
     static std::uint64_t refuse() { throw std::logic_error("nobody may ask this"); }
