@@ -1,4 +1,5 @@
 #include "build_vbf.h"
+#include "file_pairs.h"
 #include "transfer_test.h"
 
 using namespace vela_test;
@@ -81,6 +82,38 @@ TEST_F(AppendTest, FileThatDoesNotOpenIsLeftAlone)
     const std::string file = put(bytes);
     EXPECT_EQ(run({"append", file, tiff(ramp(1))}).status, 1);
     EXPECT_EQ(get_bytes(file), bytes);
+}
+
+TEST_F(AppendTest, PairsOfAnotherWriterAreKept)
+{
+    const std::string file = vbf(ramp(1), "file.vbf");
+    const VBFDictionary pairs = {
+        {"ome_xml", "<!-- mine --><ome:OME xmlns:ome=\"x\" UUID=\"urn:uuid:1b2c3d4e-0000-1111-2222-333344445555\">"
+                    "<ome:Instrument ID=\"Instrument:0\"/><ome:Image ID=\"Image:0\" Name=\"007\"/></ome:OME>"},
+        {"z", "more"}};
+    put_pairs(file, pairs);
+    output_of({"append", file, tiff(ramp(2, 50))});
+    output_of({"append", file, tiff(ramp(1, 90))});
+    EXPECT_TRUE(in_order(file));
+    EXPECT_EQ(pairs_of(file), pairs);
+    EXPECT_EQ(info(file)["stacks"].size(), 3u);
+    EXPECT_EQ(samples(file, "2"), ramp(1, 90).pages[0]);
+}
+
+TEST_F(AppendTest, OptionsOfImagesAreNotForCopies)
+{
+    const std::string file = vbf(ramp(1), "file.vbf");
+    const std::string other = vbf(ramp(2), "other.vbf");
+    const Bytes before = get_bytes(file);
+    for (const std::string option : {"--label", "--length", "--unit", "--tag", "--name"})
+        expect_failure({"append", file, "--from", other, option, "1"}, 2,
+                       "With --from, stacks keep their labels, lengths, tags and names.");
+    expect_failure({"append", file, "--from", other, "--level", "10"}, 2,
+                   "--level: 10 is none of zlib, they go from 0 to 9.");
+    EXPECT_EQ(get_bytes(file), before);
+    output_of({"append", file, "--from", other, "--level", "9"});
+    EXPECT_EQ(info(file)["stacks"][0]["compression_level"], 1);
+    EXPECT_EQ(info(file)["stacks"][1]["compression_level"], 9);
 }
 
 TEST_F(AppendTest, OneSourceIsNeeded)

@@ -25,6 +25,7 @@ struct TiffRecipe
     std::uint32_t rows_per_strip = 2;
     bool planar = false; ///< each sample of the pixels in a plane of its own; `pages` has the planes behind each other
     bool big_endian = false;
+    bool big_tiff = false; ///< with positions of 64 bits
     std::string description;
     float resolution = 0; ///< in pixels per unit
 };
@@ -72,7 +73,8 @@ inline void put_rows(TIFF* file, const TiffRecipe& recipe, Bytes page)
 
 inline void put_tiff(const std::string& path, const TiffRecipe& recipe)
 {
-    TIFF* const file = TIFFOpen(path.c_str(), recipe.big_endian ? "wb" : "wl");
+    const std::string mode = std::string("w") + (recipe.big_endian ? "b" : "l") + (recipe.big_tiff ? "8" : "");
+    TIFF* const file = TIFFOpen(path.c_str(), mode.c_str());
     detail::require(file != nullptr);
     for (const Bytes& page : recipe.pages)
     {

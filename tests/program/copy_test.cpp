@@ -1,4 +1,5 @@
 #include "build_vbf.h"
+#include "file_pairs.h"
 #include "transfer_test.h"
 
 #include <VelaBinaryIO/VBFFile.h>
@@ -79,6 +80,24 @@ TEST_F(CopyTest, EverythingIsKept)
     file->close();
     EXPECT_EQ(samples(copy()), (Bytes{1, 2, 3, 4, 5, 6}));
     EXPECT_THAT(output_of({"ome", copy()}), testing::HasSubstr("Creator=\"somebody\""));
+}
+
+TEST_F(CopyTest, PairsOfAnotherWriterAreKeptButForTheUuid)
+{
+    const std::string original = vbf(ramp(1), "file.vbf");
+    const std::string content = "<ome:Instrument ID='Instrument:0'/><ome:Image Name='007' UUID='a'/></ome:OME>";
+    const std::string uuid = " UUID = 'urn:uuid:1b2c3d4e-0000-1111-2222-333344445555'";
+    for (const std::string root : {"<?xml version='1.0'?>\n<ome:OME", "<ome:OME Creator='UUID=\"x\"'"})
+    {
+        put_pairs(original, {{"ome_xml", root + uuid + " xmlns:ome='x'>" + content}, {"z", "more"}});
+        output_of({"copy", original, copy()});
+        EXPECT_TRUE(in_order(copy()));
+        EXPECT_EQ(run({"verify", copy()}).out.find("belong to nothing"), std::string::npos);
+        EXPECT_EQ(pairs_of(copy()), (VBFDictionary{{"ome_xml", root + " xmlns:ome='x'>" + content}, {"z", "more"}}));
+    }
+    put_pairs(original, {{"ome_xml", "no document"}});
+    output_of({"copy", original, copy()});
+    EXPECT_EQ(pairs_of(copy()), (VBFDictionary{{"ome_xml", "no document"}}));
 }
 
 TEST_F(CopyTest, ListingsOfOriginalAndCopyAreEqual)

@@ -95,6 +95,24 @@ TEST_F(ExportTest, ImportGivesTheStackBack)
     EXPECT_DOUBLE_EQ(after["lengths"][3], before["lengths"][3]);
 }
 
+TEST_F(ExportTest, TextIsWhatXmlCanHold)
+{
+    const std::string name = "a\x01\xEF\xBF\xBE-\xEF\xBF\xBF\xEF\xBF\xBD<";
+    output_of({"export", vbf(ramp(1), "file.vbf", {"--name", name}), "0", out()});
+    const std::string sign = "\xEF\xBF\xBD";
+    EXPECT_THAT(read_pages(out())[0].description,
+                testing::HasSubstr("Name=\"a" + sign + sign + "-" + sign + sign + "&lt;\""));
+}
+
+TEST_F(ExportTest, DescriptionComesBack)
+{
+    TiffRecipe recipe = ramp(1);
+    recipe.description = "two <words> & more";
+    output_of({"export", vbf(recipe, "file.vbf"), "0", out()});
+    output_of({"import", out(), path("again.vbf")});
+    EXPECT_EQ(info(path("again.vbf"))["stacks"][0]["description"], recipe.description);
+}
+
 TEST_F(ExportTest, LabelsGiveTheOrderOfAxes)
 {
     const std::string file = vbf(ramp(3), "file.vbf", {"--label", "X,Y,C"});

@@ -287,6 +287,7 @@ TEST_F(ImportTest, OptionsThatDoNotFitAreWrongUsage)
     expect_usage({"--label", "A,B,C,D"}, "--label: the stack has 3 axes.");
     expect_usage({"--length", "1,2,3,4"}, "--length: the stack has 3 axes.");
     expect_usage({"--length", "1,x"}, "--length: 'x' is no length.");
+    expect_usage({"--length", "1e308", "--unit", "km"}, "--length: a length is too large.");
     expect_usage({"--length", "-1"}, "--length: '-1' is no length.");
     expect_usage({"--unit", "m"}, "--unit needs --length.");
     expect_usage({"--length", "1,2,3", "--unit", "m,m"}, "--unit: one for each length is needed, or one for all.");
@@ -318,6 +319,86 @@ TEST_F(ImportTest, FilesThatAreNoTiffFilesAreRefused)
     EXPECT_THAT(messages(), testing::StartsWith("vbf: '" + path("text.tif") + "': Not a TIFF"));
     EXPECT_EQ(run({"import", path("missing.tif"), out()}).status, 1);
     EXPECT_FALSE(std::filesystem::exists(out()));
+}
+
+TEST_F(ImportTest, SizesWithoutBytesAreRefused)
+{
+    for (const int compression : {COMPRESSION_NONE, COMPRESSION_LZW, COMPRESSION_ADOBE_DEFLATE, COMPRESSION_PACKBITS})
+    {
+        const std::string file = path("large.tif");
+        TIFF* const large = TIFFOpen(file.c_str(), "w");
+        ASSERT_NE(large, nullptr);
+        TIFFSetField(large, TIFFTAG_IMAGEWIDTH, 40000);
+        TIFFSetField(large, TIFFTAG_IMAGELENGTH, 40000);
+        TIFFSetField(large, TIFFTAG_BITSPERSAMPLE, 8);
+        TIFFSetField(large, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(large, TIFFTAG_ROWSPERSTRIP, 40000);
+        TIFFSetField(large, TIFFTAG_COMPRESSION, compression);
+        Bytes few(100);
+        TIFFWriteRawStrip(large, 0, few.data(), 100);
+        TIFFClose(large);
+        expect_failure({"import", file, out()}, 1, "'" + file + "': page 0 has fewer bytes than its samples need");
+    }
+}
+
+TEST_F(ImportTest, FilesThatBreakOffAreRefused)
+{
+    const std::string file = tiff(small_tiff(4));
+    TiffRecipe big = small_tiff(2);
+    big.big_tiff = true;
+    big.big_endian = true;
+    for (const Bytes& whole : {get_bytes(file), get_bytes(tiff(big, "big.tif"))})
+        for (std::size_t size_bytes = whole.size() - 1; size_bytes < whole.size(); size_bytes -= 3)
+        {
+            put_bytes(file, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size_bytes)));
+            EXPECT_EQ(run({"import", file, out()}).status, 1) << size_bytes;
+            EXPECT_THAT(messages(), testing::StartsWith("vbf: '" + file + "': ")) << size_bytes;
+            ASSERT_FALSE(std::filesystem::exists(out())) << size_bytes;
+        }
+}
+
+TEST_F(ImportTest, BigTiffFilesAreRead)
+{
+    TiffRecipe recipe = small_tiff(3);
+    recipe.big_tiff = true;
+    for (const bool big_endian : {false, true})
+    {
+        recipe.big_endian = big_endian;
+        EXPECT_EQ(import(recipe)["sizes"], Json({5, 3, 3}));
+        EXPECT_EQ(samples(), joined(recipe.pages));
+    }
+}
+
+TEST_F(ImportTest, PalettesAreLeftOut)
+{
+    const std::string file = path("palette.tif");
+    TIFF* const palette = TIFFOpen(file.c_str(), "w");
+    ASSERT_NE(palette, nullptr);
+    TIFFSetField(palette, TIFFTAG_IMAGEWIDTH, 3);
+    TIFFSetField(palette, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(palette, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(palette, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_PALETTE);
+    std::vector<std::uint16_t> colours(256, 7);
+    TIFFSetField(palette, TIFFTAG_COLORMAP, colours.data(), colours.data(), colours.data());
+    Bytes row = {2, 1, 255};
+    TIFFWriteScanline(palette, row.data(), 0, 0);
+    TIFFClose(palette);
+    output_of({"import", file, out()});
+    EXPECT_EQ(info()["stacks"][0]["sizes"], Json({3, 1}));
+    EXPECT_EQ(samples(), (Bytes{2, 1, 255}));
+}
+
+TEST_F(ImportTest, PagesThatLeadBackAreRefused)
+{
+    const std::string file = tiff(small_tiff(2));
+    Bytes bytes = get_bytes(file);
+    const std::size_t first = bytes[4] + 256u * bytes[5];
+    const std::size_t next = first + 2 + 12u * bytes[first]; // where the position of the second page stands
+    const std::size_t second = bytes[next] + 256u * bytes[next + 1];
+    const std::size_t last = second + 2 + 12u * bytes[second];
+    std::copy_n(bytes.begin() + 4, 4, bytes.begin() + static_cast<std::ptrdiff_t>(last));
+    put_bytes(file, bytes);
+    expect_failure({"import", file, out()}, 1, "'" + file + "': after 2 pages the next one cannot be read");
 }
 
 TEST_F(ImportTest, PagesOfOtherSizesAreRefused)

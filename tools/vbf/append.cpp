@@ -1,21 +1,23 @@
 #include "append.h"
 
 #include "failure.h"
+#include "file_dictionary.h"
 #include "file_name.h"
+#include "new_file.h"
 #include "repair_plan.h"
 #include "stack_copy.h"
 #include "tiff_stacks.h"
 
 #include <VelaBinaryIO/VBFFile.h>
 
-#include <filesystem>
 #include <functional>
 
 namespace {
 
-void mend_start(const std::string& path)
+void mend_start(const std::string& path, const VBFDictionary& pairs)
 {
     VFile file(file_name(path), VFile::append_mode);
+    set_pairs_behind_append(file, pairs);
     mend_in_place(file, plan_repair(file));
 }
 
@@ -36,18 +38,27 @@ void append(const std::string& path, const std::function<void(VBFFileInterface&)
     catch (...)
     {
         file.reset(); // closes it if all stacks are finished
-        mend_start(path);
+        mend_start(path, notes.dictionary);
         throw;
     }
-    mend_start(path);
+    mend_start(path, notes.dictionary);
+}
+
+/// Copies keep their own descriptions.
+void check_options_of_copies(const StackOptions& stack)
+{
+    const bool described =
+        !stack.labels.empty() || !stack.lengths.empty() || !stack.units.empty() || !stack.tags.empty() || stack.name;
+    if (described)
+        throw UsageFailure("With --from, stacks keep their labels, lengths, tags and names.");
+    check_level(stack.level.value_or(usual_level));
 }
 
 void check_source(const AppendOptions& options)
 {
     if (options.images.empty() == options.from.empty())
         throw UsageFailure("Either TIFF files or --from is needed.");
-    std::error_code one_is_missing;
-    if (!options.from.empty() && std::filesystem::equivalent(options.path, options.from, one_is_missing))
+    if (!options.from.empty() && is_same_file(options.path, options.from))
         throw UsageFailure("A file cannot be appended to itself.");
 }
 
@@ -62,12 +73,13 @@ void append_stacks(const AppendOptions& options)
         append(options.path, [&](VBFFileInterface& file) { stacks.add_to(file); });
         return;
     }
+    check_options_of_copies(options.stack);
     const SourceNotes notes = read_notes(options.from);
     VBFFile source(file_name(options.from), VFile::read_mode);
     append(options.path,
            [&](VBFFileInterface& file)
            {
                VBFFileInterface& from = *source.operator->();
-               add_copies(from, notes, chosen_stacks(from, {}), file, std::nullopt);
+               add_copies(from, notes, chosen_stacks(from, {}), file, options.stack.level);
            });
 }

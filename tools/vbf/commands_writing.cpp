@@ -31,7 +31,7 @@ Command add_import(CLI::App& app)
     arguments->add_option("PATHS", options->paths, "TIFF files, and last the VBF file to be made")
         ->required()
         ->expected(least, most)
-        ->type_name("");
+        ->type_name("TIFF... OUT.vbf");
     add_stack_options(*arguments, options->stack);
     arguments->add_option("--creator", options->creator, "the program or person that makes the file")
         ->type_name("TEXT");
@@ -43,8 +43,9 @@ Command add_append(CLI::App& app)
     const auto options = std::make_shared<AppendOptions>();
     CLI::App* const arguments = app.add_subcommand("append", "add stacks to a VBF file");
     add_file(*arguments, options->path);
-    arguments->add_option("TIFF", options->images, "TIFF files, each a new stack")->type_name("");
-    arguments->add_option("--from", options->from, "add the stacks of this VBF file")->type_name("OTHER.vbf");
+    arguments->add_option("TIFF", options->images, "TIFF files, each a new stack; not with --from")->type_name("");
+    arguments->add_option("--from", options->from, "add the stacks of this VBF file as they are, but for --level")
+        ->type_name("OTHER.vbf");
     add_stack_options(*arguments, options->stack);
     return command(arguments, options, append_stacks);
 }

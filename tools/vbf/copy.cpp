@@ -1,5 +1,6 @@
 #include "copy.h"
 
+#include "file_dictionary.h"
 #include "file_name.h"
 #include "new_vbf_file.h"
 #include "stack_copy.h"
@@ -19,5 +20,5 @@ void copy_stacks(const CopyOptions& options)
     if (notes.creator)
         out.get().set_creator(*notes.creator);
     add_copies(*source.operator->(), notes, indices, out.get(), options.level);
-    out.finish();
+    out.finish(pairs_of_copy(notes.dictionary));
 }

@@ -17,6 +17,6 @@ struct CopyOptions
 /// Makes a file of the stacks of another one, with all that this library writes: the description of the file and its
 /// creator; of the stacks everything. What is between and behind the stacks is left out.
 ///
-/// @throws UsageFailure: a level that there is not, or the output is the input.
-/// @throws VelaError as `VBFFile` does. Half a file is removed.
+/// @throws UsageFailure: a level that there is not, or as `NewVbfFile` does
+/// @throws VelaError as `VBFFile` does. An older file stays then.
 void copy_stacks(const CopyOptions& options);

@@ -1,7 +1,7 @@
 #include "export.h"
 
-#include "failure.h"
 #include "file_name.h"
+#include "new_file.h"
 #include "ome_document.h"
 #include "progress.h"
 #include "stack_copy.h"
@@ -13,13 +13,13 @@
 #include <tiffio.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <stdexcept>
 #include <vector>
 
 namespace {
 
 constexpr std::uint64_t strip_bytes = std::uint64_t{256} * 1024;
+constexpr std::uint64_t read_bytes = std::uint64_t{4} * 1024 * 1024;
 constexpr std::uint64_t max_classic_bytes = std::uint64_t{4000} * 1000 * 1000;
 constexpr std::uint32_t bits_per_byte = 8;
 
@@ -33,27 +33,16 @@ std::uint16_t sample_format(vela_dt type)
     return with_sign ? SAMPLEFORMAT_INT : SAMPLEFORMAT_UINT;
 }
 
-/// A TIFF file that is being made. It is removed unless it was finished.
+/// A TIFF file that is being made.
 class TiffWriter
 {
 public:
-    TiffWriter(std::string out_path, std::uint64_t size_bytes) : path(std::move(out_path))
+    TiffWriter(NewFile& in_place, const std::string& out_path, std::uint64_t size_bytes)
+        : place(in_place), path(out_path)
     {
-        file = open_tiff(path, size_bytes < max_classic_bytes ? "w" : "w8", message);
+        file = open_tiff(place.create(), size_bytes < max_classic_bytes ? "w" : "w8", message);
         if (!file)
             fail();
-    }
-    TiffWriter(const TiffWriter&) = delete;
-    TiffWriter& operator=(const TiffWriter&) = delete;
-
-    ~TiffWriter()
-    {
-        if (!file)
-            return;
-        file.reset();
-        std::error_code ignored;
-        if (std::filesystem::is_regular_file(path, ignored))
-            std::filesystem::remove(path, ignored);
     }
 
     /// `description` may be empty.
@@ -91,10 +80,10 @@ public:
     void finish()
     {
         message.clear();
-        TiffHandle closing = std::move(file);
-        closing.reset();
+        file.reset();
         if (!message.empty())
             fail();
+        place.finish();
     }
 
 private:
@@ -103,23 +92,34 @@ private:
         throw std::runtime_error("Cannot write '" + path + "'" + (message.empty() ? "" : ": " + message));
     }
 
+    NewFile& place;
     const std::string path;
     std::string message;
     TiffHandle file;
 };
 
-void check_paths(const ExportOptions& options)
+/// `samples` grows with what is there: the size of a plane is a claim of the file.
+void read_plane(VBFStackInterface& stack, std::uint64_t plane, std::uint64_t count_samples,
+                std::vector<unsigned char>& samples)
 {
-    std::error_code one_is_missing;
-    if (std::filesystem::equivalent(options.path, options.out, one_is_missing))
-        throw UsageFailure("The output would overwrite the input.");
+    const std::uint64_t sample_bytes = vela_dt_get_size(static_cast<std::uint32_t>(stack.get_dt()));
+    const std::uint64_t count_at_once = std::max<std::uint64_t>(read_bytes / sample_bytes, 1);
+    samples.clear();
+    std::uint64_t pos = plane * count_samples;
+    for (std::uint64_t done = 0; done < count_samples;)
+    {
+        const std::uint64_t count = std::min(count_at_once, count_samples - done);
+        samples.resize((done + count) * sample_bytes);
+        stack.read(stack.get_dt(), samples.data() + done * sample_bytes, nullptr, count, pos);
+        done += count;
+    }
 }
 
 } // namespace
 
 void export_stack(const ExportOptions& options)
 {
-    check_paths(options);
+    NewFile place(options.out, {options.path});
     const SourceNotes notes = read_notes(options.path);
     VBFFile file(file_name(options.path), VFile::read_mode);
     const boost::shared_ptr<VBFStackInterface> stack = file->get_stack(options.index);
@@ -132,18 +132,11 @@ void export_stack(const ExportOptions& options)
         throw std::runtime_error("The planes are too large.");
 
     Progress progress("exporting", planes.get_count());
-    std::vector<unsigned char> samples(count_samples * sample_bytes);
-    const auto read = [&](std::uint64_t plane)
-    {
-        std::uint64_t pos = plane * count_samples;
-        stack->read(stack->get_dt(), samples.data(), nullptr, count_samples, pos);
-    };
-    read(0); // a stack that cannot be read leaves an older file alone
-    TiffWriter writer(options.out, stack->get_size(0));
+    std::vector<unsigned char> samples;
+    TiffWriter writer(place, options.out, stack->get_size(0));
     for (std::uint64_t plane = 0; plane < planes.get_count(); ++plane)
     {
-        if (plane != 0)
-            read(plane);
+        read_plane(*stack, plane, count_samples, samples);
         writer.write_page(samples, static_cast<std::uint32_t>(planes.sizes[0]),
                           static_cast<std::uint32_t>(planes.sizes[1]), stack->get_dt(),
                           plane == 0 ? document : std::string());

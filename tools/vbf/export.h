@@ -16,5 +16,5 @@ struct ExportOptions
 ///
 /// @throws UsageFailure: the output is the input.
 /// @throws VelaError as `VBFFile` does
-/// @throws std::runtime_error as `OmePlanes` and `ome_document` do, or with libtiff's message. Half a file is removed.
+/// @throws std::runtime_error as `OmePlanes` and `ome_document` do, or with libtiff's message. An older file stays then.
 void export_stack(const ExportOptions& options);

@@ -6,8 +6,8 @@
 void import_images(const ImportOptions& options)
 {
     const std::vector<std::string> inputs(options.paths.begin(), options.paths.end() - 1);
+    NewVbfFile out(options.paths.back(), inputs); // before images are read: what is last may be an image
     TiffStacks stacks(inputs, options.stack);
-    NewVbfFile out(options.paths.back(), inputs);
     if (options.creator)
         out.get().set_creator(*options.creator);
     stacks.add_to(out.get());

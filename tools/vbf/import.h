@@ -16,7 +16,7 @@ struct ImportOptions
 
 /// Makes a VBF file of TIFF files, a stack of each.
 ///
-/// @throws UsageFailure: options that do not fit, or the output is an input.
+/// @throws UsageFailure: options that do not fit, or as `NewVbfFile` does
 /// @throws std::runtime_error as `TiffFile` does
-/// @throws VelaError as `VBFFile` does. Half a file is removed.
+/// @throws VelaError as `VBFFile` does. An older file stays then.
 void import_images(const ImportOptions& options);

@@ -12,6 +12,7 @@
 
 #include <csignal>
 #include <iostream>
+#include <new>
 #include <utility>
 
 namespace {
@@ -82,6 +83,10 @@ int main(int argc, char** argv)
     catch (const VelaError& error)
     {
         report(message_of(error));
+    }
+    catch (const std::bad_alloc&)
+    {
+        report("There is not enough memory.");
     }
     catch (const std::exception& error)
     {

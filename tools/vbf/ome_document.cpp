@@ -5,9 +5,9 @@
 #include <VelaBase/vela_dt.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <stdexcept>
+#include <string_view>
 
 namespace {
 
@@ -45,10 +45,20 @@ std::string type_name(vela_dt type)
 /// Text for an attribute or an element. What XML cannot hold becomes U+FFFD.
 std::string escaped(const std::string& text)
 {
+    const std::string_view replacement = "\xEF\xBF\xBD";
     std::string result;
-    for (const char c : valid_utf8(text))
+    const std::string valid = valid_utf8(text);
+    for (std::size_t i = 0; i < valid.size(); ++i)
     {
+        const char c = valid[i];
         const auto byte = static_cast<unsigned char>(c);
+        const std::string_view three = std::string_view(valid).substr(i, 3);
+        if (three == "\xEF\xBF\xBE" || three == "\xEF\xBF\xBF") // U+FFFE, U+FFFF
+        {
+            result += replacement;
+            i += three.size() - 1;
+            continue;
+        }
         if (c == '&')
             result += "&amp;";
         else if (c == '<')
@@ -58,7 +68,7 @@ std::string escaped(const std::string& text)
         else if (c == '"')
             result += "&quot;";
         else if (byte < 0x20 && c != '\n' && c != '\t')
-            result += "\xEF\xBF\xBD";
+            result += replacement;
         else
             result += c;
     }
@@ -68,12 +78,6 @@ std::string escaped(const std::string& text)
 std::string attribute(const std::string& key, const std::string& value)
 {
     return " " + key + "=\"" + escaped(value) + "\"";
-}
-
-std::string number_text(double number)
-{
-    std::array<char, 32> buffer = {};
-    return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr};
 }
 
 /// The distance of columns in micrometres or seconds, where the unit of the axis is one of them.

@@ -1,12 +1,10 @@
 #include "output.h"
 
-#include "failure.h"
-
 #include <cerrno>
-#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -17,20 +15,12 @@ std::string with_system_text(const std::string& message, int system_error)
     return message + " (" + std::generic_category().message(system_error) + ")";
 }
 
-void remove_regular_file(const std::string& path)
-{
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored))
-        std::filesystem::remove(path, ignored);
-}
-
 } // namespace
 
 Output::Output(std::string output_path, const std::string& input_path) : path(std::move(output_path))
 {
-    std::error_code one_is_missing;
-    if (!path.empty() && std::filesystem::equivalent(path, input_path, one_is_missing))
-        throw UsageFailure("The output would overwrite the input.");
+    if (!path.empty())
+        place.emplace(path, std::vector<std::string>{input_path});
 }
 
 Output::~Output()
@@ -38,15 +28,15 @@ Output::~Output()
     if (file == nullptr || path.empty())
         return;
     std::fclose(file);
-    remove_regular_file(path);
 }
 
 std::FILE* Output::stream()
 {
     if (file != nullptr)
         return file;
+    const std::string written_path = place ? place->create() : path;
     errno = 0;
-    file = path.empty() ? stdout : std::fopen(path.c_str(), "wb");
+    file = path.empty() ? stdout : std::fopen(written_path.c_str(), "wb");
     const int system_error = errno;
     if (file == nullptr)
         throw std::runtime_error(with_system_text("Cannot create '" + path + "'", system_error));
@@ -72,10 +62,9 @@ void Output::finish()
     file = nullptr;
     const bool closed = std::fclose(target) == 0;
     const int system_error = errno;
-    if (closed)
-        return;
-    remove_regular_file(path);
-    throw_failed_write(system_error);
+    if (!closed)
+        throw_failed_write(system_error);
+    place->finish();
 }
 
 void Output::throw_failed_write(int system_error) const

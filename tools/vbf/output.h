@@ -1,14 +1,16 @@
 /// Where the data of a command go.
 #pragma once
 
+#include "new_file.h"
+
 #include <cstddef>
 #include <cstdio>
+#include <optional>
 #include <string>
 
 /// Standard output, or a file that is created by the first write.
 ///
-/// A command that fails before it has anything to write leaves an older file of that name alone. One
-/// that fails later removes its half-written file; devices and pipes are left where they are.
+/// A command that fails leaves an older file of that name alone, and no half of a new one.
 class Output
 {
 public:
@@ -37,5 +39,6 @@ private:
     [[noreturn]] void throw_failed_write(int system_error) const;
 
     std::string path;
+    std::optional<NewFile> place; ///< none: standard output
     std::FILE* file = nullptr;
 };

@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "file_name.h"
+#include "new_vbf_file.h"
 #include "open_failure.h"
 #include "output.h"
 #include "repair_plan.h"
@@ -81,6 +82,7 @@ void repair_file(const RepairOptions& options)
 {
     if (options.in_place != options.out.empty())
         throw UsageFailure("Either --out or --in-place is needed.");
+    check_vbf_name(options.out);
     const bool mended = mend(options);
     const std::string& target = mended && !options.in_place ? options.out : options.path;
     if (const auto failure = open_failure(target))

@@ -103,7 +103,8 @@ SourceNotes read_notes(const std::string& path)
             notes.footers.push_back(read_footer_parts(input.get_file(), stack));
             notes.empty.push_back(stack.header.data_length_on_disk == 0);
         }
-        read_document(input.read_file_dictionary(), notes);
+        notes.dictionary = input.read_file_dictionary();
+        read_document(notes.dictionary, notes);
     }
     catch (const VelaError&)
     {

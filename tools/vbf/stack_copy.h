@@ -13,6 +13,7 @@ class VBFFileInterface;
 /// What a file says that an open file of the library does not show.
 struct SourceNotes
 {
+    VBFDictionary dictionary;
     std::optional<std::string> creator;
     std::optional<std::string> uuid;
     std::vector<FooterParts> footers; ///< of each stack

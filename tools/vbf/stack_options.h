@@ -9,13 +9,15 @@
 
 struct StackOptions
 {
-    std::uint64_t level = 1;          ///< of zlib; 0: not compressed
-    std::vector<std::string> labels;  ///< of the first axes, instead of X, Y, Z, T, C
-    std::vector<std::string> lengths; ///< numbers: lengths of the first axes
-    std::vector<std::string> units;   ///< of the lengths: one for each, or one for all
-    std::vector<std::string> tags;    ///< "key=text"
-    std::optional<std::string> name;  ///< none: that of the image, or of its file
+    std::optional<std::uint64_t> level; ///< of zlib; 0: not compressed; none: `usual_level`
+    std::vector<std::string> labels;    ///< of the first axes, instead of X, Y, Z, T, C
+    std::vector<std::string> lengths;   ///< numbers: lengths of the first axes
+    std::vector<std::string> units;     ///< of the lengths: one for each, or one for all
+    std::vector<std::string> tags;      ///< "key=text"
+    std::optional<std::string> name;    ///< none: that of the image, or of its file
 };
+
+constexpr std::uint64_t usual_level = 1;
 
 /// The best compression of zlib.
 constexpr std::uint64_t max_level = 9;

@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -97,6 +98,12 @@ std::string escaped(std::uint32_t point)
 }
 
 } // namespace
+
+std::string number_text(double number)
+{
+    std::array<char, 32> buffer = {};
+    return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr};
+}
 
 std::string valid_utf8(std::string_view text)
 {

@@ -1,4 +1,4 @@
-/// Texts of files whose bytes nobody has checked.
+/// Texts of files whose bytes nobody has checked, and of numbers.
 #pragma once
 
 #include <string>
@@ -11,3 +11,6 @@ std::string valid_utf8(std::string_view text);
 /// `text` as valid UTF-8 in which nothing can steer a terminal: control characters and the marks that
 /// change the direction or the line become escapes such as \n, \x1b, \u202e.
 std::string terminal_safe(std::string_view text);
+
+/// The number as short as it can be without loss.
+std::string number_text(double number);

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstring>
+#include <optional>
 #include <stdexcept>
 
 namespace {
@@ -44,6 +46,25 @@ vela_dt find_type(std::uint32_t sample_format, std::uint32_t bits)
 std::size_t size_of(vela_dt type)
 {
     return vela_dt_get_size(static_cast<std::uint32_t>(type));
+}
+
+/// How many bytes can become of one; nothing where there is no bound.
+std::optional<std::uint64_t> most_bytes_of_one(std::uint16_t compression)
+{
+    switch (compression)
+    {
+    case COMPRESSION_NONE:
+        return 1;
+    case COMPRESSION_PACKBITS:
+        return 64;
+    case COMPRESSION_DEFLATE:
+    case COMPRESSION_ADOBE_DEFLATE:
+        return 1032;
+    case COMPRESSION_LZW:
+        return 4096; // a code of 9 bits and more is a text of less
+    default:
+        return std::nullopt;
+    }
 }
 
 } // namespace
@@ -160,9 +181,43 @@ void TiffFile::read_directory()
         else if (!(next == page))
             fail("page " + std::to_string(offsets.size()) + " is not like the first one");
         offsets.push_back(TIFFCurrentDirOffset(file.get()));
-    } while (TIFFReadDirectory(file.get()) != 0);
+    } while (next_directory());
     if (offsets.empty())
         fail("there are no pages");
+}
+
+/// False at the end of the chain. libtiff gives no other answer for a chain that breaks off.
+bool TiffFile::next_directory()
+{
+    message.clear();
+    const bool last = TIFFLastDirectory(file.get()) != 0;
+    if (last && has_link())
+        return false;
+    if (last || TIFFReadDirectory(file.get()) == 0)
+        fail("after " + std::to_string(offsets.size()) + " pages the next one cannot be read" +
+             (message.empty() ? "" : ": " + message));
+    return true;
+}
+
+/// Whether the file goes on to the end of the position that leads to the next page: libtiff takes one that is cut for the
+/// end of the chain.
+///
+///     offset of directory   count of entries, 2 bytes, of a BigTIFF 8
+///     + 2 or 8              entries of 12 or 20 bytes
+///     behind these          position of the next directory, 4 or 8 bytes
+bool TiffFile::has_link() const
+{
+    TIFF* const tiff_file = file.get();
+    const bool big = TIFFIsBigTIFF(tiff_file) != 0;
+    std::array<std::uint8_t, 8> bytes = {};
+    const std::uint64_t count_bytes = big ? 8 : 2;
+    TIFFGetSeekProc(tiff_file)(TIFFClientdata(tiff_file), TIFFCurrentDirOffset(tiff_file), SEEK_SET);
+    TIFFGetReadProc(tiff_file)(TIFFClientdata(tiff_file), bytes.data(), static_cast<tmsize_t>(count_bytes));
+    std::uint64_t count = 0;
+    for (std::uint64_t i = 0; i < count_bytes; ++i)
+        count = count << 8 | bytes[TIFFIsBigEndian(tiff_file) != 0 ? i : count_bytes - 1 - i];
+    const std::uint64_t length_bytes = count_bytes + count * (big ? 20 : 12) + (big ? 8 : 4);
+    return length_bytes <= TIFFGetSizeProc(tiff_file)(TIFFClientdata(tiff_file)) - TIFFCurrentDirOffset(tiff_file);
 }
 
 std::uint32_t TiffFile::number(std::uint32_t tag, std::uint32_t missing) const
@@ -171,7 +226,7 @@ std::uint32_t TiffFile::number(std::uint32_t tag, std::uint32_t missing) const
     return TIFFGetField(file.get(), tag, &result) != 0 ? result : missing;
 }
 
-TiffFile::Page TiffFile::describe_page() const
+TiffFile::Page TiffFile::describe_page()
 {
     TIFF* const tiff_file = file.get();
     std::uint16_t bits = 1, sample_format = SAMPLEFORMAT_UINT, samples = 1, planar = PLANARCONFIG_CONTIG;
@@ -224,6 +279,27 @@ std::uint64_t TiffFile::get_plane_bytes() const
     return std::uint64_t{page.width} * page.height * size_of(page.type);
 }
 
+/// A few bytes can say that a plane is large. That is found out before memory is taken for it.
+bool TiffFile::has_bytes_for(const Page& current) const
+{
+    TIFF* const tiff_file = file.get();
+    std::uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_COMPRESSION, &compression);
+    const std::uint64_t file_size = TIFFGetSizeProc(tiff_file)(TIFFClientdata(tiff_file));
+    const std::uint32_t count = current.tiled ? TIFFNumberOfTiles(tiff_file) : TIFFNumberOfStrips(tiff_file);
+    std::uint64_t sum = 0;
+    for (std::uint32_t block = 0; block < count; ++block)
+    {
+        const std::uint64_t begin = TIFFGetStrileOffset(tiff_file, block);
+        const std::uint64_t size_bytes = TIFFGetStrileByteCount(tiff_file, block);
+        if (begin > file_size || size_bytes > file_size - begin)
+            return false;
+        sum += size_bytes;
+    }
+    const std::optional<std::uint64_t> factor = most_bytes_of_one(compression);
+    return !factor || get_plane_bytes() / *factor * current.samples_per_pixel <= sum;
+}
+
 std::vector<unsigned char> TiffFile::read_plane(std::uint64_t page_index, std::uint32_t sample)
 {
     message.clear();
@@ -232,8 +308,12 @@ std::vector<unsigned char> TiffFile::read_plane(std::uint64_t page_index, std::u
     if (TIFFSetSubDirectory(file.get(), offsets.at(page_index)) == 0)
         refuse();
     const Page current = describe_page(); // strips and tiles may differ from page to page
+    if (!(current == page))
+        refuse();
+    if (!has_bytes_for(current))
+        fail("page " + std::to_string(page_index) + " has fewer bytes than its samples need");
     Blocks blocks(file.get(), current, sample);
-    if (!(current == page) || !blocks.read())
+    if (!blocks.read())
         refuse();
     return blocks.take();
 }

@@ -65,7 +65,10 @@ private:
 
     [[noreturn]] void fail(const std::string& text) const;
     void read_directory();
-    Page describe_page() const;
+    bool next_directory();
+    bool has_link() const;
+    Page describe_page(); ///< lets libtiff give colours as RGB
+    bool has_bytes_for(const Page& current) const;
     void read_texts();
     std::uint32_t number(std::uint32_t tag, std::uint32_t missing) const;
 

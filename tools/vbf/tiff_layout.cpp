@@ -1,10 +1,9 @@
 #include "tiff_layout.h"
 
-#include "quantity_text.h"
+#include "length_unit.h"
+#include "tiff_data.h"
 #include "tiff_file.h"
-
-#include <Json/Value.h>
-#include <Json/XmlReader.h>
+#include "xml_element.h"
 
 #include <algorithm>
 #include <charconv>
@@ -35,28 +34,10 @@ std::uint64_t count_of(const Keys& keys, const std::string& key)
     return number && *number >= 1 && *number <= most ? static_cast<std::uint64_t>(*number) : 1;
 }
 
-/// The unit in metres or seconds, 0 where it is none.
-double factor_of(const std::string& unit, const char* base_unit)
-{
-    static const std::map<std::string, std::string> other_names = {
-        {"micron", "um"}, {"microns", "um"}, {"\\u00B5m", "um"}, {"\xB5m", "um"}, {"sec", "s"}};
-    const auto found = other_names.find(unit);
-    try
-    {
-        const si::value value = parse_quantity(found == other_names.end() ? unit : found->second);
-        if (value.is_compatible(si::value(base_unit)))
-            return value.value_in_baseunits();
-    }
-    catch (const std::runtime_error&) // such as "pixel"
-    {
-    }
-    return 0;
-}
-
-/// Nothing where there is no number, or the factor is 0.
+/// Nothing where there is no number, the factor is 0 or the product too large.
 std::optional<double> product(const std::optional<double>& number, double factor)
 {
-    if (!number || factor == 0)
+    if (!number || factor == 0 || !std::isfinite(*number * factor))
         return std::nullopt;
     return *number * factor;
 }
@@ -65,30 +46,6 @@ std::optional<double> value_of(const Keys& keys, const std::string& key)
 {
     const auto found = keys.find(key);
     return found == keys.end() ? std::nullopt : positive_number(found->second);
-}
-
-/// Steps of pages for axes in the order in which they run, the fastest first.
-void set_steps(TiffLayout& layout, const std::string& order, std::uint64_t samples_per_pixel)
-{
-    std::uint64_t step = 1;
-    for (const char axis : order)
-    {
-        if (axis == 'Z')
-        {
-            layout.pages_per_z = step;
-            step *= layout.size_z;
-        }
-        else if (axis == 'T')
-        {
-            layout.pages_per_t = step;
-            step *= layout.size_t;
-        }
-        else if (axis == 'C')
-        {
-            layout.pages_per_c = step;
-            step *= layout.size_c / samples_per_pixel;
-        }
-    }
 }
 
 bool fits(const TiffLayout& layout, const TiffFile& file)
@@ -113,12 +70,26 @@ void set_lengths(TiffLayout& layout, const TiffFile& file, const std::array<std:
     }
 }
 
+void add_remark(TiffLayout& layout, const std::string& remark)
+{
+    layout.remark += (layout.remark.empty() ? "" : "; ") + remark;
+}
+
+/// 0 for a unit that is not known.
+double factor_or_remark(TiffLayout& layout, const std::string& unit, UnitKind kind)
+{
+    const std::optional<double> factor = factor_of(unit, kind);
+    if (!factor)
+        add_remark(layout, "the unit '" + unit + "' is not known, lengths in it are left out");
+    return factor.value_or(0);
+}
+
 TiffLayout pages_as_z(const TiffFile& file)
 {
     TiffLayout layout;
     layout.size_z = file.get_count_pages();
     layout.size_c = file.get_samples_per_pixel();
-    set_steps(layout, "ZTC", layout.size_c);
+    set_pages(layout, "ZTC", layout.size_c);
     return layout;
 }
 
@@ -156,9 +127,9 @@ TiffLayout layout_of_lines(const TiffFile& file)
         layout.size_c = file.get_samples_per_pixel();
     if (!fits(layout, file))
         return with_remark(file);
-    set_steps(layout, "CZT", file.get_samples_per_pixel());
+    set_pages(layout, "CZT", file.get_samples_per_pixel());
     const auto unit = keys.find("unit");
-    const double metres = unit == keys.end() ? 0 : factor_of(unit->second, "m");
+    const double metres = unit == keys.end() ? 0 : factor_or_remark(layout, unit->second, UnitKind::length);
     const auto step_of = [&](double resolution)
     { return resolution > 0 ? product(1 / resolution, metres) : std::optional<double>(); };
     set_lengths(layout, file,
@@ -167,75 +138,29 @@ TiffLayout layout_of_lines(const TiffFile& file)
     return layout;
 }
 
-/// The XML reader knows no comments.
-std::string without_comments(std::string xml)
+std::string text_of(const XmlElement& element, const std::string& attribute, const std::string& missing)
 {
-    for (std::size_t begin = xml.find("<!--"); begin != std::string::npos; begin = xml.find("<!--", begin))
-    {
-        const std::size_t end = xml.find("-->", begin);
-        xml.erase(begin, end == std::string::npos ? end : end + 3 - begin);
-    }
-    return xml;
+    const std::string* const text = element.find_attribute(attribute);
+    return text == nullptr ? missing : *text;
 }
 
-std::string local_name(const std::string& key)
+/// The distance of columns in metres or seconds.
+std::optional<double> step_of(TiffLayout& layout, const XmlElement& pixels, const std::string& attribute, UnitKind kind)
 {
-    return key.substr(key.find(':') + 1);
+    const std::optional<double> number = positive_number(text_of(pixels, attribute, ""));
+    if (!number)
+        return std::nullopt;
+    const std::string usual_unit = kind == UnitKind::length ? "um" : "s";
+    return product(number, factor_or_remark(layout, text_of(pixels, attribute + "Unit", usual_unit), kind));
 }
 
-/// The first child or attribute of that name, whatever its prefix; null without one. `count` is how many there are.
-Json::Value* find(Json::Value* parent, const std::string& name, std::size_t* count = nullptr)
+/// The only image of the document; null where there are more or none.
+const XmlElement* find_image(const XmlElement& root)
 {
-    Json::Value::Object* const object = parent == nullptr ? nullptr : parent->if_object();
-    if (object == nullptr)
-        return nullptr;
-    for (auto&& [key, value] : *object)
-    {
-        if (local_name(key) != name)
-            continue;
-        Json::Value::List* const list = value.if_list();
-        if (count != nullptr)
-            *count = list != nullptr ? list->size() : 1;
-        return list != nullptr && !list->empty() ? &list->front() : &value;
-    }
-    return nullptr;
-}
-
-/// A child is under the attribute "" of elements that have attributes.
-Json::Value* child(Json::Value* parent, const std::string& name, std::size_t* count = nullptr)
-{
-    Json::Value::Object* const object = parent == nullptr ? nullptr : parent->if_object();
-    if (object == nullptr)
-        return nullptr;
-    for (auto&& [key, value] : *object)
-    {
-        if (key.empty())
-            return find(&value, name, count);
-    }
-    return find(parent, name, count);
-}
-
-std::string text_of(Json::Value* parent, const std::string& attribute, const std::string& missing)
-{
-    const Json::Value* const value = find(parent, attribute);
-    if (value == nullptr)
-        return missing;
-    if (const std::string* const text = value->if_string())
-        return *text;
-    std::ostringstream out; // numbers are read as such
-    out.precision(17);
-    if (const std::int64_t* const integer = value->if_integer())
-        out << *integer;
-    else if (const double* const decimal = value->if_decimal())
-        out << *decimal;
-    return out.str();
-}
-
-std::optional<double> step_of(Json::Value* pixels, const std::string& attribute, const std::string& usual_unit,
-                              const char* base_unit)
-{
-    return product(positive_number(text_of(pixels, attribute, "")),
-                   factor_of(text_of(pixels, attribute + "Unit", usual_unit), base_unit));
+    const XmlElement* const image = root.name == "OME" ? root.find_child("Image") : nullptr;
+    const auto is_image = [](const XmlElement& child) { return child.name == "Image"; };
+    const bool alone = std::count_if(root.children.begin(), root.children.end(), is_image) == 1;
+    return alone ? image : nullptr;
 }
 
 bool is_order(const std::string& text)
@@ -247,30 +172,30 @@ bool is_order(const std::string& text)
 
 TiffLayout layout_of_document(const TiffFile& file)
 {
-    const std::string xml = without_comments(file.get_description());
-    Json::Value document;
-    std::size_t count_images = 0;
-    Json::XmlReader reader(document);
-    const char* begin = xml.data();
-    reader.read(begin, begin + xml.size());
-    Json::Value* const image = child(find(&document, "OME"), "Image", &count_images);
-    Json::Value* const pixels = child(image, "Pixels");
-    const std::string order = text_of(pixels, "DimensionOrder", "");
-    if (count_images != 1 || !is_order(order))
+    const XmlElement root = parse_xml(file.get_description());
+    const XmlElement* const image = find_image(root);
+    const XmlElement* const pixels = image == nullptr ? nullptr : image->find_child("Pixels");
+    if (pixels == nullptr)
         return with_remark(file);
-    const Keys keys = {
-        {"Z", text_of(pixels, "SizeZ", "")}, {"T", text_of(pixels, "SizeT", "")}, {"C", text_of(pixels, "SizeC", "")}};
+    const std::string order = text_of(*pixels, "DimensionOrder", "");
+    const Keys keys = {{"Z", text_of(*pixels, "SizeZ", "")},
+                       {"T", text_of(*pixels, "SizeT", "")},
+                       {"C", text_of(*pixels, "SizeC", "")}};
     TiffLayout layout;
     layout.size_z = count_of(keys, "Z");
     layout.size_t = count_of(keys, "T");
     layout.size_c = count_of(keys, "C");
-    if (!fits(layout, file))
+    if (!is_order(order) || !fits(layout, file) ||
+        !set_pages(layout, order.substr(2), file.get_samples_per_pixel(), *pixels, text_of(root, "UUID", "")))
         return with_remark(file);
-    set_steps(layout, order.substr(2), file.get_samples_per_pixel());
     set_lengths(layout, file,
-                {step_of(pixels, "PhysicalSizeX", "um", "m"), step_of(pixels, "PhysicalSizeY", "um", "m"),
-                 step_of(pixels, "PhysicalSizeZ", "um", "m"), step_of(pixels, "TimeIncrement", "s", "s")});
-    layout.name = text_of(image, "Name", "");
+                {step_of(layout, *pixels, "PhysicalSizeX", UnitKind::length),
+                 step_of(layout, *pixels, "PhysicalSizeY", UnitKind::length),
+                 step_of(layout, *pixels, "PhysicalSizeZ", UnitKind::length),
+                 step_of(layout, *pixels, "TimeIncrement", UnitKind::time)});
+    layout.name = text_of(*image, "Name", "");
+    if (const XmlElement* const description = image->find_child("Description"))
+        layout.description = description->text;
     return layout;
 }
 
@@ -287,12 +212,16 @@ TiffLayout find_layout(const TiffFile& file)
     if (starts_with(description, "ImageJ="))
         return layout_of_lines(file);
     if (description.find("<OME") == std::string::npos && description.find("<ome:OME") == std::string::npos)
-        return pages_as_z(file);
+    {
+        TiffLayout layout = pages_as_z(file);
+        layout.description = description;
+        return layout;
+    }
     try
     {
         return layout_of_document(file);
     }
-    catch (const Json::XmlReader::Unexpected&)
+    catch (const std::runtime_error&) // it is no XML
     {
         return with_remark(file);
     }

@@ -61,6 +61,7 @@ void TiffStack::describe()
     info->create(sizes, file.get_type());
     const std::string stem = std::filesystem::path(file.get_path()).stem().string();
     info->set_name(options.name.value_or(layout.name.empty() ? stem : layout.name));
+    info->set_description(layout.description);
     set_labels();
     set_lengths();
 }
@@ -104,6 +105,8 @@ void TiffStack::set_lengths()
 void TiffStack::set_length(std::size_t axis, double length, const si::value& unit)
 {
     const double in_base_units = length * unit.value_in_baseunits();
+    if (!std::isfinite(in_base_units))
+        throw UsageFailure("--length: a length is too large.");
     info->set_len(axis, in_base_units);
     info->set_off(axis, in_base_units / 2);
     units[axis] = without_number(unit);
@@ -117,7 +120,8 @@ void TiffStack::add_to(VBFFileInterface& target, Progress& progress)
         stack->set_units(axis, unit);
     for (const auto& [key, text] : split_tags(options.tags))
         stack->set_tag(key, text);
-    stack->set_compression(options.level == 0 ? 0 : 1, static_cast<int>(options.level));
+    const std::uint64_t level = options.level.value_or(usual_level);
+    stack->set_compression(level == 0 ? 0 : 1, static_cast<int>(level));
 
     const std::uint64_t count_samples = std::uint64_t{file.get_width()} * file.get_height();
     const std::uint64_t samples_per_pixel = file.get_samples_per_pixel();
@@ -127,10 +131,9 @@ void TiffStack::add_to(VBFFileInterface& target, Progress& progress)
         {
             for (std::uint64_t z = 0; z < layout.size_z; ++z)
             {
-                const std::uint64_t page =
-                    z * layout.pages_per_z + t * layout.pages_per_t + c / samples_per_pixel * layout.pages_per_c;
+                const std::uint64_t place = z + layout.size_z * (t + layout.size_t * (c / samples_per_pixel));
                 const std::vector<unsigned char> plane =
-                    file.read_plane(page, static_cast<std::uint32_t>(c % samples_per_pixel));
+                    file.read_plane(layout.pages[place], static_cast<std::uint32_t>(c % samples_per_pixel));
                 stack->write(file.get_type(), plane.data(), nullptr, count_samples);
                 progress.add(plane.size());
             }

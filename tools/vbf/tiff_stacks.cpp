@@ -5,7 +5,7 @@
 
 TiffStacks::TiffStacks(const std::vector<std::string>& paths, const StackOptions& options)
 {
-    check_level(options.level);
+    check_level(options.level.value_or(usual_level));
     split_tags(options.tags);
     for (const std::string& path : paths)
     {

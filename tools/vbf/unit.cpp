@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <stdexcept>
 
@@ -16,13 +15,6 @@ namespace {
 constexpr std::array<const char*, si::value::dimension_count> base_units = {"m",   "kg", "s",   "A", "K",
                                                                             "mol", "cd", "rad", "sr"};
 constexpr int count_flags = 8;
-
-/// The number as short as it can be without loss.
-std::string number_text(double number)
-{
-    std::array<char, 32> buffer = {};
-    return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr};
-}
 
 /// " m^2 kg s^-3"
 std::string dimension_text(const si::value& quantity)
