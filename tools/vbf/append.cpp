@@ -1,29 +1,58 @@
 #include "append.h"
 
 #include "failure.h"
-#include "file_name.h"
+#include "open_file.h"
 #include "repair_plan.h"
 #include "stack_copy.h"
 #include "tiff_stacks.h"
 
+#include <VelaBase/VelaError.h>
 #include <VelaBinaryIO/VBFFile.h>
 
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
 
 namespace {
 
+/// Until this is done the file does not open.
 void mend_start(const std::string& path)
 {
-    VFile file(file_name(path), VFile::append_mode);
-    mend_in_place(file, plan_repair(file));
+    const auto fail = [&](const std::string& message)
+    { throw std::runtime_error("'" + path + "' needs vbf repair now, its start was not mended: " + message); };
+    try
+    {
+        VFile file = open_bytes(path, VFile::append_mode);
+        mend_in_place(file, plan_repair(file));
+    }
+    catch (const VelaError& error)
+    {
+        fail(message_of(error));
+    }
+    catch (const std::exception& error)
+    {
+        fail(error.what());
+    }
+}
+
+/// The same behind a failure, which is the one to be told at last.
+void mend_start_after_failure(const std::string& path)
+{
+    try
+    {
+        mend_start(path);
+    }
+    catch (const std::exception& error)
+    {
+        report(error.what());
+    }
 }
 
 /// Opens the file, lets `add` add stacks, and closes it, so that it opens again.
 void append(const std::string& path, const std::function<void(VBFFileInterface&)>& add)
 {
     const SourceNotes notes = read_notes(path); // the library does not read the document, and writes a new one
-    VBFFile file(file_name(path), VFile::append_mode);
+    VBFFile file = open_vbf(path, VFile::append_mode);
     try
     {
         if (notes.creator)
@@ -36,7 +65,7 @@ void append(const std::string& path, const std::function<void(VBFFileInterface&)
     catch (...)
     {
         file.reset(); // closes it if all stacks are finished
-        mend_start(path);
+        mend_start_after_failure(path);
         throw;
     }
     mend_start(path);
@@ -49,6 +78,8 @@ void check_source(const AppendOptions& options)
     std::error_code one_is_missing;
     if (!options.from.empty() && std::filesystem::equivalent(options.path, options.from, one_is_missing))
         throw UsageFailure("A file cannot be appended to itself.");
+    if (is_dbl(options.path))
+        throw UsageFailure("Nothing can be appended to a DBL file.");
 }
 
 } // namespace
@@ -63,7 +94,7 @@ void append_stacks(const AppendOptions& options)
         return;
     }
     const SourceNotes notes = read_notes(options.from);
-    VBFFile source(file_name(options.from), VFile::read_mode);
+    VBFFile source = open_vbf(options.from, VFile::read_mode);
     append(options.path,
            [&](VBFFileInterface& file)
            {

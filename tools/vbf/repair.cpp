@@ -1,9 +1,10 @@
 #include "repair.h"
 
 #include "failure.h"
-#include "file_name.h"
 #include "open_failure.h"
+#include "open_file.h"
 #include "output.h"
+#include "progress.h"
 #include "repair_plan.h"
 #include "text.h"
 
@@ -32,6 +33,7 @@ void write_copy(VFile& file, const RepairPlan& plan, Output& output)
 {
     const std::uint64_t file_size = file.seek(VFileAccess::all_ones);
     file.seek(0);
+    Progress progress("copying", file_size);
     std::vector<char> chunk;
     for (std::uint64_t position = 0; position < file_size; position += chunk.size())
     {
@@ -40,6 +42,7 @@ void write_copy(VFile& file, const RepairPlan& plan, Output& output)
         for (const Patch& patch : plan.patches)
             apply(patch, position, chunk);
         output.write(chunk.data(), chunk.size());
+        progress.add(chunk.size());
     }
     for (const Patch& patch : plan.patches)
     {
@@ -60,7 +63,7 @@ void print(const std::string& text)
 bool mend(const RepairOptions& options)
 {
     Output output(options.out, options.path);
-    VFile file(file_name(options.path), options.in_place ? VFile::append_mode : VFile::read_mode);
+    VFile file = open_bytes(options.path, options.in_place ? VFile::append_mode : VFile::read_mode);
     const RepairPlan plan = plan_repair(file);
     if (plan.patches.empty())
         return false;
@@ -81,6 +84,8 @@ void repair_file(const RepairOptions& options)
 {
     if (options.in_place != options.out.empty())
         throw UsageFailure("Either --out or --in-place is needed.");
+    if (is_dbl(options.path) || is_dbl(options.out))
+        throw UsageFailure("A DBL file has nothing that could be mended.");
     const bool mended = mend(options);
     const std::string& target = mended && !options.in_place ? options.out : options.path;
     if (const auto failure = open_failure(target))
