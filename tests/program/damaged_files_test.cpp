@@ -38,8 +38,15 @@ TEST_F(DamagedFilesTest, EachCommandAnswers)
             continue; // one file cut at every field: the library's own tests read them all
         const std::string file = copy_of(original);
         const std::string out = path("out");
-        for (const std::vector<std::string>& arguments :
-             {std::vector<std::string>{"verify", file}, {"repair", file, "--out", out}, {"export", file, "0", out}})
+        for (const std::vector<std::string>& arguments : {std::vector<std::string>{"verify", file},
+                                                          {"info", file, "--json"},
+                                                          {"read", file, "0", "--count", "1000"},
+                                                          {"tags", file, "0"},
+                                                          {"ome", file},
+                                                          {"preview", file, "0", "--out", out},
+                                                          {"copy", file, out},
+                                                          {"repair", file, "--out", out},
+                                                          {"export", file, "0", out}})
         {
             const int status = run(arguments).status;
             EXPECT_TRUE(status == 0 || status == 1) << original << " " << arguments[0];

@@ -20,9 +20,12 @@ protected:
 };
 
 const char* const golgi_document = R"({
+  "format": "VBF",
   "format_version": 2,
   "description": "Confocal stack of a Golgi apparatus",
   "meta_data_pos": 489114,
+  "creator": null,
+  "uuid": null,
   "stacks": [{
     "index": 0,
     "position": 69,
@@ -44,6 +47,8 @@ const char* const golgi_document = R"({
       {"label": "Y", "unit": "m", "equidistant": true},
       {"label": "Z", "unit": "m", "equidistant": true}
     ],
+    "data_unit": null,
+    "global_position": null,
     "tags": {
       "frame interval":
         "<root idx=\"1\" type=\"double\" size=\"1 1\" vprop_version=\"1\">59.859999999999999432</root>\n",

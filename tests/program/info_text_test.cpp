@@ -134,12 +134,13 @@ TEST_F(InfoTextTest, StackWithoutBytesOnDiskSaysSo)
 
 TEST_F(InfoTextTest, MissingFileFails)
 {
-    expect_failure({"info", path("missing.vbf")}, 1, "Could not open file!");
+    expect_failure({"info", path("missing.vbf")}, 1,
+                   "'" + path("missing.vbf") + "': Could not open file! (No such file or directory)");
 }
 
 TEST_F(InfoTextTest, FolderFails)
 {
-    expect_failure({"info", folder.path("")}, 1, "Could not open file!");
+    expect_failure({"info", folder.path("")}, 1, "'" + folder.path("") + "': Could not open file! (Is a directory)");
 }
 
 TEST_F(InfoTextTest, EmptyFileFails)

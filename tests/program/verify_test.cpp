@@ -159,7 +159,8 @@ TEST_F(VerifyTest, FileThatIsNoVbfFileIsWrong)
 
 TEST_F(VerifyTest, MissingFileIsAFailure)
 {
-    expect_failure({"verify", path("missing.vbf")}, 1, "Could not open file!");
+    expect_failure({"verify", path("missing.vbf")}, 1,
+                   "'" + path("missing.vbf") + "': Could not open file! (No such file or directory)");
 }
 
 TEST_F(VerifyTest, FileThatWasNotClosedIsWrong)

@@ -2,30 +2,59 @@
 
 #include "failure.h"
 #include "file_dictionary.h"
-#include "file_name.h"
 #include "new_file.h"
+#include "open_file.h"
 #include "repair_plan.h"
 #include "stack_copy.h"
 #include "tiff_stacks.h"
 
+#include <VelaBase/VelaError.h>
 #include <VelaBinaryIO/VBFFile.h>
 
 #include <functional>
+#include <stdexcept>
 
 namespace {
 
+/// Until this is done the file does not open.
 void mend_start(const std::string& path, const VBFDictionary& pairs)
 {
-    VFile file(file_name(path), VFile::append_mode);
-    set_pairs_behind_append(file, pairs);
-    mend_in_place(file, plan_repair(file));
+    const auto fail = [&](const std::string& message)
+    { throw std::runtime_error("'" + path + "' needs vbf repair now, its start was not mended: " + message); };
+    try
+    {
+        VFile file = open_bytes(path, VFile::append_mode);
+        set_pairs_behind_append(file, pairs);
+        mend_in_place(file, plan_repair(file));
+    }
+    catch (const VelaError& error)
+    {
+        fail(message_of(error));
+    }
+    catch (const std::exception& error)
+    {
+        fail(error.what());
+    }
+}
+
+/// The same behind a failure, which is the one to be told at last.
+void mend_start_after_failure(const std::string& path, const VBFDictionary& pairs)
+{
+    try
+    {
+        mend_start(path, pairs);
+    }
+    catch (const std::exception& error)
+    {
+        report(error.what());
+    }
 }
 
 /// Opens the file, lets `add` add stacks, and closes it, so that it opens again.
 void append(const std::string& path, const std::function<void(VBFFileInterface&)>& add)
 {
     const SourceNotes notes = read_notes(path); // the library does not read the document, and writes a new one
-    VBFFile file(file_name(path), VFile::append_mode);
+    VBFFile file = open_vbf(path, VFile::append_mode);
     try
     {
         if (notes.creator)
@@ -38,7 +67,7 @@ void append(const std::string& path, const std::function<void(VBFFileInterface&)
     catch (...)
     {
         file.reset(); // closes it if all stacks are finished
-        mend_start(path, notes.dictionary);
+        mend_start_after_failure(path, notes.dictionary);
         throw;
     }
     mend_start(path, notes.dictionary);
@@ -60,6 +89,8 @@ void check_source(const AppendOptions& options)
         throw UsageFailure("Either TIFF files or --from is needed.");
     if (!options.from.empty() && is_same_file(options.path, options.from))
         throw UsageFailure("A file cannot be appended to itself.");
+    if (is_dbl(options.path))
+        throw UsageFailure("Nothing can be appended to a DBL file.");
 }
 
 } // namespace
@@ -75,7 +106,7 @@ void append_stacks(const AppendOptions& options)
     }
     check_options_of_copies(options.stack);
     const SourceNotes notes = read_notes(options.from);
-    VBFFile source(file_name(options.from), VFile::read_mode);
+    VBFFile source = open_vbf(options.from, VFile::read_mode);
     append(options.path,
            [&](VBFFileInterface& file)
            {

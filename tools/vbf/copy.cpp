@@ -1,8 +1,8 @@
 #include "copy.h"
 
 #include "file_dictionary.h"
-#include "file_name.h"
 #include "new_vbf_file.h"
+#include "open_file.h"
 #include "stack_copy.h"
 #include "stack_options.h"
 
@@ -10,7 +10,7 @@ void copy_stacks(const CopyOptions& options)
 {
     check_level(options.level.value_or(0));
     const SourceNotes notes = read_notes(options.path);
-    VBFFile source(file_name(options.path), VFile::read_mode);
+    VBFFile source = open_vbf(options.path, VFile::read_mode);
     const std::vector<std::uint64_t> indices = chosen_stacks(*source.operator->(), options.stacks);
 
     NewVbfFile out(options.out, {options.path});

@@ -1,8 +1,8 @@
 #include "export.h"
 
-#include "file_name.h"
 #include "new_file.h"
 #include "ome_document.h"
+#include "open_file.h"
 #include "progress.h"
 #include "stack_copy.h"
 #include "tiff_handle.h"
@@ -121,7 +121,7 @@ void export_stack(const ExportOptions& options)
 {
     NewFile place(options.out, {options.path});
     const SourceNotes notes = read_notes(options.path);
-    VBFFile file(file_name(options.path), VFile::read_mode);
+    VBFFile file = open_vbf(options.path, VFile::read_mode);
     const boost::shared_ptr<VBFStackInterface> stack = file->get_stack(options.index);
     const OmePlanes planes(*stack);
     const FooterParts footer = options.index < notes.footers.size() ? notes.footers[options.index] : FooterParts();

@@ -15,6 +15,12 @@ std::optional<std::string> Extents::claim(std::uint64_t begin, std::uint64_t end
     return std::nullopt;
 }
 
+bool Extents::is_free(std::uint64_t position) const
+{
+    const auto next = owned.upper_bound(position);
+    return next == owned.begin() || std::prev(next)->second.end <= position;
+}
+
 std::vector<Extents::Stretch> Extents::gaps(std::uint64_t end) const
 {
     std::vector<Stretch> result;

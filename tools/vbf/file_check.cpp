@@ -1,12 +1,14 @@
 #include "file_check.h"
 
 #include "extents.h"
-#include "file_name.h"
 #include "footer.h"
 #include "open_failure.h"
+#include "open_file.h"
+#include "progress.h"
 #include "record_reader.h"
 #include "repair_plan.h"
 #include "samples_check.h"
+#include "scanned_file.h"
 
 #include <Json/Value.h>
 #include <Json/XmlReader.h>
@@ -28,7 +30,8 @@ class Inspection
 {
 public:
     Inspection(VFile& in_file, Inspected& in_result)
-        : file(in_file), reader(in_file), result(in_result), findings(in_result.findings)
+        : file(in_file), reader(in_file), result(in_result), findings(in_result.findings),
+          progress("verifying", 2 * reader.get_file_size())
     {
     }
 
@@ -66,7 +69,7 @@ private:
         {
             return !plan_repair(file).patches.empty();
         }
-        catch (const VelaError&)
+        catch (const std::exception&)
         {
             return false;
         }
@@ -142,9 +145,10 @@ private:
             if (!claim(stack.data_pos, reader.tell(), "the data segment"))
                 return;
             const std::uint64_t footer_pos = reader.tell();
-            const FlushTable table = inspect_parts(stack, footer_pos);
-            result.count_flush_points += table.positions.size();
-            result.size_samples_bytes += inspect_samples(file, stack, table, findings);
+            const FlushPoints table = inspect_parts(stack, footer_pos);
+            result.count_flush_points += table.count;
+            result.size_samples_bytes += inspect_samples(file, stack, table, findings, progress);
+            progress.set(2 * reader.tell());
         }
         catch (const Damage& damage)
         {
@@ -154,13 +158,13 @@ private:
     }
 
     /// The samples are inspected also where the parts behind them are damaged.
-    FlushTable inspect_parts(const VBFChainEntry& stack, std::uint64_t footer_pos)
+    FlushPoints inspect_parts(const VBFChainEntry& stack, std::uint64_t footer_pos)
     {
         try
         {
-            FlushTable table = inspect_footer(reader, stack.header, findings).flush;
+            const FlushTable table = inspect_footer(reader, stack.header, findings).flush;
             claim(footer_pos, reader.tell(), "the footer");
-            return table;
+            return read_flush_points(reader, table);
         }
         catch (const Damage& damage)
         {
@@ -246,20 +250,49 @@ private:
     RecordReader reader;
     Inspected& result;
     Findings& findings;
+    Progress progress; ///< the samples are inspected twice
     Extents extents;
     std::uint64_t header_end = 0;
     bool whole_file_is_known = true;
 };
+
+/// Whether the samples fill the file: nothing else in it can be wrong.
+void inspect_dbl(const std::string& path, Inspected& result)
+{
+    ScannedFile input(path);
+    const VBFChainEntry& stack = input.get_stack(0);
+    const std::uint64_t file_size = input.get_file().seek(VFileAccess::all_ones);
+    const std::uint64_t there_bytes = file_size - stack.data_pos;
+    const std::uint64_t needed_bytes = stack.header.data_length_on_disk;
+    result.count_stacks = 1;
+    result.size_samples_bytes = needed_bytes;
+    result.findings.set_stack(0);
+    if (there_bytes < needed_bytes)
+        result.findings.add_wrong(stack.data_pos, "the file has " + std::to_string(there_bytes) + " of " +
+                                                      std::to_string(needed_bytes) + " bytes of samples");
+    result.findings.set_stack(std::nullopt);
+    if (there_bytes > needed_bytes)
+        result.findings.add_odd(stack.data_pos + needed_bytes,
+                                std::to_string(there_bytes - needed_bytes) + " bytes belong to nothing");
+}
+
+void inspect_vbf(const std::string& path, Inspected& result)
+{
+    VFile file = open_bytes(path, VFile::read_mode);
+    Inspection(file, result).run();
+}
 
 } // namespace
 
 Inspected inspect_file(const std::string& path)
 {
     Inspected result;
+    if (is_dbl(path))
     {
-        VFile file(file_name(path), VFile::read_mode);
-        Inspection(file, result).run();
+        inspect_dbl(path, result);
+        return result;
     }
+    inspect_vbf(path, result);
     if (const auto failure = open_failure(path))
         result.findings.add_wrong(0, "the file does not open: " + *failure);
     return result;

@@ -16,8 +16,9 @@ struct Inspected
 };
 
 /// Inspects the records of a file, its chain, its dictionary and all samples, and tries whether it opens. Time and memory are
-/// bounded by the bytes of the file: records that overlap are not followed.
+/// bounded by the bytes of the file: records that overlap are not followed. Of a DBL file there is the length to inspect.
+/// Shows how far it is.
 ///
-/// @throws VelaError: the file cannot be opened or read by the system.
-/// @throws std::runtime_error as `file_name` does
+/// @throws VelaError: the file cannot be read by the system, or is too short for a DBL file.
+/// @throws std::runtime_error as `open_bytes` does
 Inspected inspect_file(const std::string& path);

@@ -6,7 +6,6 @@
 
 #include <Json/property_bridge.h>
 #include <VelaBase/VelaError.h>
-#include <VelaFile/VFile.h>
 #include <VelaProps/VProp.h>
 #include <VelaProps/property_xml.h>
 
@@ -68,8 +67,10 @@ public:
         FooterParts parts;
         read_footer();
         check_fields();
+        parts.data_unit = unit_at(offsetof(Footer, data_units), footer.data_units);
         for (std::size_t axis = 0; axis < sizes.size(); ++axis)
-            parts.units.push_back(unit_of(axis));
+            parts.units.push_back(
+                unit_at(offsetof(Footer, dimension_units) + axis * sizeof(UnitRecord), footer.dimension_units[axis]));
         read_columns();
         read_metadata();
         parts.flush = read_flush_table();
@@ -120,12 +121,11 @@ private:
             findings.add_odd(start + offset_bytes, "the unit of " + what + " is none");
     }
 
-    std::optional<si::value> unit_of(std::size_t axis) const
+    std::optional<si::value> unit_at(std::size_t offset_bytes, const UnitRecord& field) const
     {
-        const std::size_t end_of_units = offsetof(Footer, dimension_units) + (axis + 1) * sizeof(UnitRecord);
-        if (!reaches(end_of_units))
+        if (!reaches(offset_bytes + sizeof(UnitRecord)))
             return std::nullopt;
-        const UnitRecord record = footer.dimension_units[axis]; // aligned
+        const UnitRecord record = field; // aligned
         std::array<si::fraction, si::value::dimension_count> exponents;
         bool neutral = record.number == 1;
         for (std::size_t i = 0; i < exponents.size(); ++i)
@@ -193,13 +193,12 @@ private:
         FlushTable table;
         table.position_in_file = reader.tell();
         table.block_bytes = footer.flush_block_size;
-        const std::uint64_t count = footer.flush_point_count;
-        if (count > reader.left() / sizeof(std::uint64_t))
-            throw Damage(reader.tell(), "flush positions: " + std::to_string(count) +
+        table.count = footer.flush_point_count;
+        if (table.count > reader.left() / sizeof(std::uint64_t))
+            throw Damage(reader.tell(), "flush positions: " + std::to_string(table.count) +
                                             " are said to be here, the file has " + std::to_string(reader.left()) +
                                             " bytes");
-        table.positions.resize(count);
-        reader.read(table.positions.data(), count * sizeof(std::uint64_t), "flush positions");
+        reader.skip(table.count * sizeof(std::uint64_t), "flush positions");
         return table;
     }
 
@@ -251,12 +250,11 @@ FooterParts inspect_footer(RecordReader& reader, const VBFStackHeader& header, F
     return Inspection(reader, header, findings).run();
 }
 
-FooterParts read_footer_parts(VFile& file, const VBFChainEntry& stack)
+FooterParts read_footer_parts(RecordReader& reader, const VBFChainEntry& stack)
 {
     try
     {
         Findings ignored;
-        RecordReader reader(file);
         reader.seek(stack.data_pos, "data segment");
         reader.skip(stack.header.data_length_on_disk, "data segment");
         return inspect_footer(reader, stack.header, ignored);
@@ -265,6 +263,17 @@ FooterParts read_footer_parts(VFile& file, const VBFChainEntry& stack)
     {
         return {};
     }
+}
+
+FlushPoints read_flush_points(RecordReader& reader, const FlushTable& table)
+{
+    FlushPoints points = {table, {}};
+    reader.seek(table.position_in_file, "flush positions");
+    if (table.count > reader.left() / sizeof(std::uint64_t))
+        throw Damage(reader.tell(), "the flush positions lie behind the end of the file");
+    points.positions.resize(table.count);
+    reader.read(points.positions.data(), table.count * sizeof(std::uint64_t), "flush positions");
+    return points;
 }
 
 std::vector<std::string> inspect_dictionary(RecordReader& reader, const std::string& what, Findings& findings)

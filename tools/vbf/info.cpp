@@ -7,12 +7,10 @@
 namespace {
 
 /// What a scan lists; the file is closed again.
-Listing scan(const std::string& path, std::vector<FooterParts>& footers)
+Listing scan(const std::string& path)
 {
     ScannedFile input(path);
-    for (const VBFChainEntry& stack : input.get_chain().stacks)
-        footers.push_back(read_footer_parts(input.get_file(), stack));
-    return {input.get_chain(), input.has_dictionary(), input.is_not_closed(), {}};
+    return {input.get_chain(), input.is_dbl(), input.has_dictionary(), input.is_not_closed(), {}};
 }
 
 } // namespace
@@ -20,9 +18,8 @@ Listing scan(const std::string& path, std::vector<FooterParts>& footers)
 void print_info(const InfoOptions& options)
 {
     Output output("", options.path);
-    std::vector<FooterParts> footers;
-    Listing listing = scan(options.path, footers);
-    listing.details = read_details(options.path, footers);
+    Listing listing = scan(options.path);
+    listing.details = read_details(options.path);
     const std::string text = options.json ? info_as_json(listing) : info_as_text(options.path, listing);
     output.write(text.data(), text.size());
     output.finish();

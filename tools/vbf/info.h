@@ -23,6 +23,7 @@ void print_info(const InfoOptions& options);
 struct Listing
 {
     VBFChain chain;
+    bool is_dbl;
     bool has_dictionary;
     bool not_closed;
     FileDetails details;

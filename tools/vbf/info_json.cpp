@@ -41,19 +41,41 @@ Document describe(const VBFChainEntry& stack, std::size_t index)
     return result;
 }
 
+Document texts(const std::vector<std::string>& list)
+{
+    Document result = Document::array();
+    for (const std::string& text : list)
+        result.push_back(valid_utf8(text));
+    return result;
+}
+
 Document describe_axis(const AxisDetails& axis)
 {
     Document result;
     result["label"] = valid_utf8(axis.label);
     result["unit"] = axis.unit.empty() ? Document(nullptr) : Document(axis.unit);
-    result["equidistant"] = axis.equidistant;
+    result["equidistant"] = axis.col_positions.empty();
+    if (!axis.col_positions.empty())
+        result["column_positions"] = axis.col_positions;
     if (!axis.col_labels.empty())
-    {
-        Document& labels = result["column_labels"] = Document::array();
-        for (const std::string& label : axis.col_labels)
-            labels.push_back(valid_utf8(label));
-    }
+        result["column_labels"] = texts(axis.col_labels);
     return result;
+}
+
+Document describe_position(const std::optional<GlobalPosition>& position)
+{
+    if (!position)
+        return nullptr;
+    Document result;
+    result["labels"] = texts(position->labels);
+    result["origin"] = position->origin;
+    result["matrix"] = position->matrix;
+    return result;
+}
+
+Document text_or_null(const std::optional<std::string>& text)
+{
+    return text ? Document(valid_utf8(*text)) : Document(nullptr);
 }
 
 /// What only an open file tells.
@@ -62,6 +84,8 @@ void add_details(Document& result, const StackDetails& details)
     Document& axes = result["axes"] = Document::array();
     for (const AxisDetails& axis : details.axes)
         axes.push_back(describe_axis(axis));
+    result["data_unit"] = details.data_unit.empty() ? Document(nullptr) : Document(details.data_unit);
+    result["global_position"] = describe_position(details.position);
     Document& tags = result["tags"] = Document::object();
     for (const auto& [key, text] : details.tags)
         tags[valid_utf8(key)] = valid_utf8(text);
@@ -75,11 +99,14 @@ std::string info_as_json(const Listing& listing)
 {
     const VBFChain& chain = listing.chain;
     Document result;
-    result["format_version"] = copy_of(chain.file.header.format_version);
+    result["format"] = listing.is_dbl ? "DBL" : "VBF";
+    result["format_version"] = listing.is_dbl ? Document(nullptr) : Document(copy_of(chain.file.header.format_version));
     result["description"] = valid_utf8(chain.file.description);
     result["meta_data_pos"] = listing.has_dictionary ? Document(chain.file.meta_data_pos) : Document(nullptr);
     if (listing.details.open_failure)
         result["open"] = valid_utf8(*listing.details.open_failure);
+    result["creator"] = text_or_null(listing.details.document.creator);
+    result["uuid"] = text_or_null(listing.details.document.uuid);
     Document& stacks = result["stacks"] = Document::array();
     for (std::size_t index = 0; index < chain.stacks.size(); ++index)
     {

@@ -1,5 +1,6 @@
 #include "info.h"
 
+#include "sample_size.h"
 #include "stack_shape.h"
 #include "text.h"
 
@@ -41,13 +42,24 @@ std::string listed(const std::vector<double>& numbers)
     return result;
 }
 
+/// The first numbers of a long list, and the last one.
+std::string shortened(const std::vector<double>& numbers)
+{
+    constexpr std::size_t count_first = 4;
+    constexpr std::size_t count_all = 8;
+    if (numbers.size() <= count_all)
+        return listed(numbers);
+    const std::vector<double> first(numbers.begin(), numbers.begin() + count_first);
+    return listed(first) + ", ... " + number_text(numbers.back()) + " (" + std::to_string(numbers.size()) + " columns)";
+}
+
 std::string type_text(vela_dt type)
 {
     if (type == vela_dt_rgb)
         return "colour of 3 bytes";
     if (type == vela_dt_packed_color)
         return "packed colour";
-    if (vela_dt_get_size(static_cast<std::uint32_t>(type)) != 0)
+    if (size_of(type) != 0)
         return vela_dt_get_name(type);
     std::array<char, 64> buffer = {};
     std::snprintf(buffer.data(), buffer.size(), "%s (0x%x, not a type of samples)", vela_dt_get_name(type),
@@ -78,10 +90,11 @@ std::string line(const std::string& label, const std::string& value)
     if (value.empty())
         return "";
     constexpr std::size_t width = 13;
-    return "  " + label + std::string(width - label.size(), ' ') + terminal_safe(value) + "\n";
+    return "  " + label + std::string(label.size() < width ? width - label.size() : 1, ' ') + terminal_safe(value) +
+           "\n";
 }
 
-std::string describe(const VBFChainEntry& stack, std::size_t index)
+std::string describe(const VBFChainEntry& stack, std::size_t index, bool is_dbl)
 {
     const StackShape shape(stack.header);
     std::string result = "\nstack " + std::to_string(index) + "\n";
@@ -93,8 +106,9 @@ std::string describe(const VBFChainEntry& stack, std::size_t index)
     result += line("type", type_text(stack.header.data_type));
     result += line("compression", compression_text(stack.header));
     result += line("on disk", segment_text(stack));
-    result += line("header",
-                   "version " + std::to_string(stack.header.format_version) + " at " + std::to_string(stack.position));
+    if (!is_dbl)
+        result += line("header", "version " + std::to_string(stack.header.format_version) + " at " +
+                                     std::to_string(stack.position));
     return result;
 }
 
@@ -105,13 +119,11 @@ std::string axes_text(const std::vector<AxisDetails>& axes)
     bool any = false;
     for (const AxisDetails& axis : axes)
     {
-        any = any || !axis.label.empty() || !axis.unit.empty() || !axis.equidistant;
+        any = any || !axis.label.empty() || !axis.unit.empty();
         result += result.empty() ? "" : ", ";
         result += axis.label.empty() ? "-" : axis.label;
         if (!axis.unit.empty())
             result += " in " + axis.unit;
-        if (!axis.equidistant)
-            result += " (columns at positions of their own)";
     }
     return any ? result : "";
 }
@@ -124,12 +136,31 @@ std::string column_text(const std::vector<std::string>& labels)
     return result;
 }
 
+/// "  global X     from 0.5, axes by 1, 0, 0": a line for each global axis, with its share of each axis of the stack.
+std::string position_text(const GlobalPosition& position)
+{
+    std::string result;
+    for (std::size_t row = 0; row < position.origin.size(); ++row)
+    {
+        const std::string& label = position.labels[row];
+        result += line("global " + (label.empty() ? std::to_string(row) : terminal_safe(label)),
+                       "from " + number_text(position.origin[row]) + ", axes by " + listed(position.matrix[row]));
+    }
+    return result;
+}
+
 /// What only an open file tells.
 std::string describe(const StackDetails& details)
 {
     std::string result = line("axes", axes_text(details.axes));
     for (std::size_t axis = 0; axis < details.axes.size(); ++axis)
+    {
+        result += line("positions " + std::to_string(axis), shortened(details.axes[axis].col_positions));
         result += line("columns " + std::to_string(axis), column_text(details.axes[axis].col_labels));
+    }
+    result += line("unit of data", details.data_unit);
+    if (details.position)
+        result += position_text(*details.position);
     if (details.count_flush_points != 0)
         result += line("flush points", std::to_string(details.count_flush_points) + ", one each " +
                                            std::to_string(details.flush_block_bytes) + " bytes");
@@ -156,12 +187,15 @@ std::string info_as_text(const std::string& path, const Listing& listing)
     const std::size_t count_stacks = chain.stacks.size();
     std::string result = terminal_safe(path) + "\n";
     result += line("description", chain.file.description);
-    result += line("format", "VBF version " + std::to_string(chain.file.header.format_version));
+    const std::string version = std::to_string(chain.file.header.format_version);
+    result += line("format", listing.is_dbl ? "DBL" : "VBF version " + version);
+    result += line("creator", listing.details.document.creator.value_or(""));
+    result += line("UUID", listing.details.document.uuid.value_or(""));
     result += line("state", state_text(listing));
     result += line("stacks", std::to_string(count_stacks));
     for (std::size_t index = 0; index < count_stacks; ++index)
     {
-        result += describe(chain.stacks[index], index);
+        result += describe(chain.stacks[index], index, listing.is_dbl);
         if (index < listing.details.stacks.size())
             result += describe(listing.details.stacks[index]);
     }

@@ -71,6 +71,7 @@ int run(int argc, char** argv)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away becomes a failed write
+    std::signal(SIGXFSZ, SIG_IGN); // and so does the limit of a file's size
     try
     {
         return run(argc, argv);

@@ -3,13 +3,13 @@
 #include "failure.h"
 #include "file_dictionary.h"
 #include "file_name.h"
+#include "open_file.h"
 
 #include <VelaFile/VFile.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
-#include <string_view>
 
 namespace {
 
@@ -49,9 +49,7 @@ const std::string& checked(const std::string& path)
 
 void check_vbf_name(const std::string& path)
 {
-    constexpr std::string_view other_ending = ".dbl";
-    if (path.size() >= other_ending.size() &&
-        path.compare(path.size() - other_ending.size(), other_ending.size(), other_ending) == 0)
+    if (is_dbl(path))
         throw UsageFailure("'" + path + "': files that end with .dbl are read as DBL files, not as VBF files.");
     file_name(path);
 }

@@ -1,6 +1,6 @@
 #include "ome.h"
 
-#include "file_name.h"
+#include "open_file.h"
 #include "output.h"
 #include "scanned_file.h"
 
@@ -37,7 +37,7 @@ void check_planes(const VStackInfoInterface& stack)
 
 std::string record_of(const std::string& path, std::uint64_t index)
 {
-    VBFFile file(file_name(path), VFile::read_mode);
+    VBFFile file = open_vbf(path, VFile::read_mode);
     const boost::shared_ptr<VBFStackInterface> stack = file->get_stack(index);
     check_planes(*stack);
     Json::Value root;

@@ -4,6 +4,7 @@
 #include "output.h"
 #include "plane.h"
 #include "png.h"
+#include "progress.h"
 #include "scanned_file.h"
 #include "stack_reader.h"
 
@@ -17,6 +18,7 @@ namespace {
 template <class T, class Take>
 void for_each_sample(StackReader& reader, const Plane& plane, vela_dt type, Take take)
 {
+    Progress progress("reading", plane.get_count_samples());
     reader.read(plane.first_sample, plane.get_count_samples(), type,
                 [&](const unsigned char* samples, std::uint64_t size_bytes)
                 {
@@ -26,6 +28,7 @@ void for_each_sample(StackReader& reader, const Plane& plane, vela_dt type, Take
                         std::memcpy(&sample, samples + offset, sizeof sample);
                         take(sample);
                     }
+                    progress.add(size_bytes / sizeof(T));
                 });
 }
 

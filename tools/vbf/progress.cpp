@@ -2,6 +2,7 @@
 
 #include "text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <unistd.h>
 #include <utility>
@@ -25,11 +26,17 @@ Progress::~Progress()
 
 void Progress::add(std::uint64_t part)
 {
-    done += part;
+    set(done + part);
+}
+
+void Progress::set(std::uint64_t in_done)
+{
+    done = in_done;
     if (!visible || whole == 0)
         return;
     constexpr double hundred = 100;
-    const int percent = static_cast<int>(hundred * (static_cast<double>(done) / static_cast<double>(whole)));
+    const double part_done = std::min(1.0, static_cast<double>(done) / static_cast<double>(whole));
+    const int percent = static_cast<int>(hundred * part_done);
     if (percent == shown_percent)
         return;
     shown_percent = percent;

@@ -16,6 +16,9 @@ public:
 
     void add(std::uint64_t part);
 
+    /// So much of the whole is done now.
+    void set(std::uint64_t in_done);
+
 private:
     const std::string label;
     const std::uint64_t whole;

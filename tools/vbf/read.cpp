@@ -4,10 +4,13 @@
 #include "failure.h"
 #include "output.h"
 #include "plane.h"
+#include "progress.h"
+#include "sample_size.h"
 #include "scanned_file.h"
 #include "stack_reader.h"
 #include "stack_shape.h"
 
+#include <algorithm>
 #include <bit>
 #include <functional>
 #include <limits>
@@ -57,6 +60,15 @@ void for_each_chosen_run(const ReadOptions& options, const VBFStackHeader& heade
         read(options.from.value_or(0), options.count.value_or(all));
 }
 
+std::uint64_t count_chosen(const ReadOptions& options, const VBFStackHeader& header, std::uint64_t count_samples)
+{
+    std::uint64_t result = 0;
+    for_each_chosen_run(options, header,
+                        [&](std::uint64_t from, std::uint64_t count)
+                        { result += std::min(count, count_samples - std::min(from, count_samples)); });
+    return result;
+}
+
 } // namespace
 
 void read_samples(const ReadOptions& options)
@@ -67,10 +79,14 @@ void read_samples(const ReadOptions& options)
     ScannedFile input(options.path);
     const VBFChainEntry& stack = input.get_stack(options.index);
     StackReader reader(input.get_file(), stack);
+    const vela_dt target = type.value_or(reader.get_type());
+    Progress progress("reading", count_chosen(options, stack.header, reader.get_count_samples()));
     const auto write = [&](const unsigned char* samples, std::uint64_t size_bytes)
-    { output.write(samples, size_bytes); };
+    {
+        output.write(samples, size_bytes);
+        progress.add(size_bytes / size_of(target));
+    };
     for_each_chosen_run(options, stack.header,
-                        [&](std::uint64_t from, std::uint64_t count)
-                        { reader.read(from, count, type.value_or(reader.get_type()), write); });
+                        [&](std::uint64_t from, std::uint64_t count) { reader.read(from, count, target, write); });
     output.finish();
 }

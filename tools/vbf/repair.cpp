@@ -1,10 +1,11 @@
 #include "repair.h"
 
 #include "failure.h"
-#include "file_name.h"
 #include "new_vbf_file.h"
 #include "open_failure.h"
+#include "open_file.h"
 #include "output.h"
+#include "progress.h"
 #include "repair_plan.h"
 #include "text.h"
 
@@ -33,6 +34,7 @@ void write_copy(VFile& file, const RepairPlan& plan, Output& output)
 {
     const std::uint64_t file_size = file.seek(VFileAccess::all_ones);
     file.seek(0);
+    Progress progress("copying", file_size);
     std::vector<char> chunk;
     for (std::uint64_t position = 0; position < file_size; position += chunk.size())
     {
@@ -41,6 +43,7 @@ void write_copy(VFile& file, const RepairPlan& plan, Output& output)
         for (const Patch& patch : plan.patches)
             apply(patch, position, chunk);
         output.write(chunk.data(), chunk.size());
+        progress.add(chunk.size());
     }
     for (const Patch& patch : plan.patches)
     {
@@ -61,7 +64,7 @@ void print(const std::string& text)
 bool mend(const RepairOptions& options)
 {
     Output output(options.out, options.path);
-    VFile file(file_name(options.path), options.in_place ? VFile::append_mode : VFile::read_mode);
+    VFile file = open_bytes(options.path, options.in_place ? VFile::append_mode : VFile::read_mode);
     const RepairPlan plan = plan_repair(file);
     if (plan.patches.empty())
         return false;
@@ -82,6 +85,8 @@ void repair_file(const RepairOptions& options)
 {
     if (options.in_place != options.out.empty())
         throw UsageFailure("Either --out or --in-place is needed.");
+    if (is_dbl(options.path))
+        throw UsageFailure("A DBL file has nothing that could be mended.");
     check_vbf_name(options.out);
     const bool mended = mend(options);
     const std::string& target = mended && !options.in_place ? options.out : options.path;

@@ -1,26 +1,54 @@
 #include "repair_plan.h"
 
+#include "chain_check.h"
+#include "extents.h"
+#include "old_dictionary.h"
+
 #include <Json/SignalingReference.h>
 #include <Json/write.h>
 #include <Ome/Document.h>
-#include <VelaBase/VelaError.h>
 #include <VelaBinaryIO/VBFHeaders.h>
 #include <VelaFile/VFile.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <optional>
-#include <set>
 #include <sstream>
+#include <stdexcept>
 
 namespace {
 
 constexpr char whole_magic[] = "VELA_BF\n\xff\xff";
 constexpr std::size_t magic_bytes = sizeof VBFFileHeader::magic;
+constexpr char stack_magic[] = "VELA_BF_STACK\n\xff\xff";
+constexpr std::size_t stack_magic_bytes = sizeof VBFStackHeader::magic;
 
 std::string bytes_of(std::uint64_t number)
 {
     return {reinterpret_cast<const char*>(&number), sizeof number};
+}
+
+/// Takes what is written to it into a text.
+class TextStream : public VFileAccess
+{
+public:
+    virtual ~TextStream() = default;
+    std::uint64_t tell() const override { return text.size(); }
+    std::uint64_t seek(std::uint64_t) override { throw std::logic_error("TextStream::seek"); }
+    void read(void*, std::uint64_t) override { throw std::logic_error("TextStream::read"); }
+    void write(const void* bytes, std::uint64_t size_bytes) override
+    {
+        text.append(static_cast<const char*>(bytes), size_bytes);
+    }
+
+    std::string text;
+};
+
+std::string bytes_of(const VBFDictionary& dictionary)
+{
+    TextStream stream;
+    write_dictionary(stream, dictionary);
+    return stream.text;
 }
 
 std::string empty_document()
@@ -32,17 +60,12 @@ std::string empty_document()
     return xml.str();
 }
 
-std::string bytes_of(const VBFDictionary& dictionary)
+std::string what_is_lost(std::size_t count_kept)
 {
-    const auto counted = [](const std::string& text)
-    {
-        const auto length_bytes = static_cast<std::uint32_t>(text.size());
-        return std::string(reinterpret_cast<const char*>(&length_bytes), sizeof length_bytes) + text;
-    };
-    std::string result;
-    for (const auto& [key, value] : dictionary)
-        result += counted(key) + counted(value);
-    return result + counted("");
+    if (count_kept == 0)
+        return "What the old one said could not be read and is lost.";
+    return "It has the " + std::to_string(count_kept) + (count_kept == 1 ? " pair" : " pairs") +
+           " of the old one that could be read; others are lost.";
 }
 
 /// A file of which the header may be overwritten.
@@ -59,7 +82,8 @@ public:
         overwritten = is_overwritten();
         if (!overwritten)
             check_header();
-        check_chain();
+        extents.claim(0, header_end, "the file header");
+        end_of_stacks = std::max(claim_chain(file, header.first_stack_pos, extents), header_end);
         if (has_dictionary())
         {
             file.seek(meta_field_pos);
@@ -71,11 +95,9 @@ public:
     {
         if (!has_dictionary())
             return {};
-        const std::optional<VBFDictionary> old_dictionary = dictionary_at(meta_data_pos);
-        if (overwritten)
-            mend_field(dictionary_at(number_in_magic) ? std::optional(number_in_magic) : std::nullopt, old_dictionary);
-        else if (!old_dictionary)
-            mend_field(std::nullopt, std::nullopt);
+        const FoundDictionary old = dictionary_at(meta_data_pos);
+        if (overwritten || !old.whole)
+            mend_dictionary(old);
         if (overwritten)
             add({0, std::string(whole_magic, magic_bytes)},
                 "The start of the file was overwritten when stacks were appended. It is as it was.");
@@ -100,48 +122,65 @@ private:
         read_file_header(file);
     }
 
-    void check_chain()
-    {
-        const auto refuse = [](int line)
-        { throw VelaError("check_chain", __FILE__, line)("Invalid stack position specified in header!")(-4); };
-        std::set<std::uint64_t> seen;
-        for (std::uint64_t pos = header.first_stack_pos; pos != 0;)
-        {
-            if (!seen.insert(pos).second || file.seek(pos) == VFileAccess::all_ones)
-                refuse(__LINE__);
-            pos = read_stack_header(file).header.next_stack_pos;
-        }
-    }
-
-    std::optional<VBFDictionary> dictionary_at(std::uint64_t position)
+    FoundDictionary dictionary_at(std::uint64_t position)
     {
         if (position < header_end || position >= file_size)
-            return std::nullopt;
-        try
-        {
-            VBFDictionary dictionary;
-            file.seek(position);
-            read_dictionary(file, dictionary);
-            return dictionary;
-        }
-        catch (const VelaError&)
-        {
-            return std::nullopt;
-        }
+            return {};
+        FoundDictionary found = find_dictionary(file, position);
+        if (!found.whole && !extents.is_free(position))
+            found.pairs.clear(); // bytes of a stack
+        return found;
     }
 
-    /// Lets `meta_data_pos` lead to `position`, or else to a new dictionary.
-    void mend_field(std::optional<std::uint64_t> position, const std::optional<VBFDictionary>& old_dictionary)
+    /// Behind the stacks there may also be one that was being written.
+    bool is_stack_at(std::uint64_t position)
     {
-        if (!position)
-        {
-            position = file_size;
-            add({file_size, bytes_of(old_dictionary.value_or(VBFDictionary{{"ome_xml", empty_document()}}))},
-                "A new dictionary is at the end of the file, at " + std::to_string(file_size) + ".");
-        }
+        std::string bytes(std::min<std::uint64_t>(stack_magic_bytes, file_size - position), '\0');
+        file.seek(position);
+        file.read(bytes.data(), bytes.size());
+        return bytes == std::string_view(stack_magic, bytes.size());
+    }
+
+    /// Lets `meta_data_pos` lead to a dictionary: to the newest one that is there, or else to a new one.
+    void mend_dictionary(const FoundDictionary& old)
+    {
+        const bool is_named = overwritten && number_in_magic >= end_of_stacks;
+        const FoundDictionary appended = is_named ? dictionary_at(number_in_magic) : FoundDictionary();
+        if (appended.whole)
+            return lead_to(number_in_magic);
+        const bool something_is_last = end_of_stacks < file_size && !is_stack_at(end_of_stacks);
+        const FoundDictionary last = something_is_last ? find_dictionary(file, end_of_stacks) : FoundDictionary();
+        if (last.whole && last.end == file_size)
+            return lead_to(end_of_stacks);
+
+        const bool appended_is_cut = is_named && number_in_magic < file_size;
+        const bool old_is_cut = !old.whole && meta_data_pos != 0;
+        const bool last_is_cut = something_is_last && !last.whole;
+        if (!appended.pairs.empty())
+            write_new(appended.pairs, true);
+        else if (!old.pairs.empty())
+            write_new(old.pairs, old_is_cut || appended_is_cut);
+        else if (last_is_cut && !last.pairs.empty())
+            write_new(last.pairs, true);
+        else
+            write_new(old.pairs, old_is_cut || appended_is_cut || last_is_cut);
+    }
+
+    void write_new(const VBFDictionary& pairs, bool others_are_lost)
+    {
+        const bool none = pairs.empty();
+        add({file_size, bytes_of(none ? VBFDictionary{{"ome_xml", empty_document()}} : pairs)},
+            "A new dictionary is at the end of the file, at " + std::to_string(file_size) + ".");
+        if (others_are_lost)
+            result.done.push_back(what_is_lost(pairs.size()));
+        lead_to(file_size);
+    }
+
+    void lead_to(std::uint64_t position)
+    {
         if (position != meta_data_pos)
-            add({meta_field_pos, bytes_of(*position)},
-                "meta_data_pos is " + std::to_string(*position) + ", it was " + std::to_string(meta_data_pos) + ".");
+            add({meta_field_pos, bytes_of(position)},
+                "meta_data_pos is " + std::to_string(position) + ", it was " + std::to_string(meta_data_pos) + ".");
     }
 
     void add(Patch patch, const std::string& sentence)
@@ -157,7 +196,9 @@ private:
     std::uint64_t meta_field_pos = 0;
     std::uint64_t meta_data_pos = 0;
     std::uint64_t header_end = 0;
+    std::uint64_t end_of_stacks = 0;
     bool overwritten = false;
+    Extents extents;
     RepairPlan result;
 };
 

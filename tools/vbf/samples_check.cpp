@@ -2,10 +2,11 @@
 
 #include "findings.h"
 #include "inflation.h"
+#include "progress.h"
+#include "sample_size.h"
 #include "stack_shape.h"
 
 #include <VelaBase/VelaError.h>
-#include <VelaBase/vela_dt.h>
 
 #include <algorithm>
 #include <limits>
@@ -62,9 +63,10 @@ private:
 class Inspection
 {
 public:
-    Inspection(VFile& in_file, const VBFChainEntry& in_stack, std::uint64_t in_size_bytes, Findings& in_findings)
+    Inspection(VFile& in_file, const VBFChainEntry& in_stack, std::uint64_t in_size_bytes, Findings& in_findings,
+               Progress& in_progress)
         : file(in_file), begin(in_stack.data_pos), end(in_stack.data_pos + in_stack.header.data_length_on_disk),
-          size_bytes(in_size_bytes), findings(in_findings)
+          size_bytes(in_size_bytes), findings(in_findings), progress(in_progress)
     {
     }
 
@@ -78,7 +80,7 @@ public:
             findings.add_odd(begin, text);
     }
 
-    void compressed(const FlushTable& table)
+    void compressed(const FlushPoints& table)
     {
         const bool usable = check_table(table);
         Blocks blocks(table.block_bytes, usable ? table.positions.size() : 0);
@@ -89,11 +91,12 @@ public:
         {
             if (!check_block(table, point, blocks.get_sums()[point + 1]))
                 return;
+            progress.set(end + begin + table.positions[point]);
         }
     }
 
 private:
-    bool check_table(const FlushTable& table)
+    bool check_table(const FlushPoints& table)
     {
         if (table.positions.empty())
             return true;
@@ -133,19 +136,20 @@ private:
             const std::size_t n = inflation.read(piece.data(), piece.size());
             done_bytes += n;
             blocks.add(piece.data(), n);
+            progress.set(begin + inflation.get_position());
         }
         const auto refuse = [&](const std::string& text)
         {
             findings.add_wrong(inflation.get_position(), text);
             return false;
         };
-        const std::string progress = of(done_bytes, size_bytes);
+        const std::string how_far = of(done_bytes, size_bytes);
         if (inflation.get_end() == Inflation::End::damage)
-            return refuse("the compressed samples are damaged (" + inflation.get_message() + ") behind " + progress);
+            return refuse("the compressed samples are damaged (" + inflation.get_message() + ") behind " + how_far);
         if (done_bytes > size_bytes)
             return refuse("there are more samples than the " + std::to_string(size_bytes) + " bytes of the stack");
         if (done_bytes < size_bytes)
-            return refuse("the compressed samples end behind " + progress);
+            return refuse("the compressed samples end behind " + how_far);
         if (inflation.get_end() == Inflation::End::stretch)
             return refuse("the compressed samples lack their end");
         if (inflation.get_position() != end)
@@ -155,7 +159,7 @@ private:
     }
 
     /// Whether the bytes from a flush point on are those that the stream has there.
-    bool check_block(const FlushTable& table, std::size_t point, std::uint32_t expected_sum)
+    bool check_block(const FlushPoints& table, std::size_t point, std::uint32_t expected_sum)
     {
         const std::uint64_t block_begin = (point + 1) * table.block_bytes;
         const std::uint64_t expected_bytes = std::min(table.block_bytes, size_bytes - block_begin);
@@ -187,12 +191,13 @@ private:
     const std::uint64_t end;
     const std::uint64_t size_bytes;
     Findings& findings;
+    Progress& progress;
 };
 
 /// The bytes of all samples; nothing where there is no such number.
 std::optional<std::uint64_t> samples_bytes(const VBFChainEntry& stack, Findings& findings)
 {
-    const std::uint64_t sample_bytes = vela_dt_get_size(static_cast<std::uint32_t>(stack.header.data_type));
+    const std::uint64_t sample_bytes = size_of(stack.header.data_type);
     if (sample_bytes == 0)
     {
         findings.add_wrong(stack.position + offsetof(VBFStackHeader, data_type),
@@ -215,12 +220,13 @@ std::optional<std::uint64_t> samples_bytes(const VBFChainEntry& stack, Findings&
 
 } // namespace
 
-std::uint64_t inspect_samples(VFile& file, const VBFChainEntry& stack, const FlushTable& table, Findings& findings)
+std::uint64_t inspect_samples(VFile& file, const VBFChainEntry& stack, const FlushPoints& table, Findings& findings,
+                              Progress& progress)
 {
     const std::optional<std::uint64_t> size_bytes = samples_bytes(stack, findings);
     if (!size_bytes || stack.header.data_length_on_disk == 0)
         return 0;
-    Inspection inspection(file, stack, *size_bytes, findings);
+    Inspection inspection(file, stack, *size_bytes, findings, progress);
     if (stack.header.compression_type == 1 && stack.header.compression_level > 0)
         inspection.compressed(table);
     else

@@ -1,4 +1,4 @@
-/// A file that is open, with what a scan of it lists.
+/// A file that is open, with what a scan of it lists. A DBL file is listed as a file of one stack of version 0.
 #pragma once
 
 #include <VelaBinaryIO/VBFHeaders.h>
@@ -11,8 +11,8 @@
 class ScannedFile
 {
 public:
-    /// @throws VelaError as `VFile::open` and `scan_chain` do
-    /// @throws std::runtime_error: `path` is no UTF-8, so the library cannot name the file.
+    /// @throws VelaError as `scan_chain` does; as `VBFFile::open` does for a DBL file
+    /// @throws std::runtime_error as `open_bytes` does
     explicit ScannedFile(const std::string& path);
     ScannedFile(const ScannedFile&) = delete;
     ScannedFile& operator=(const ScannedFile&) = delete;
@@ -22,6 +22,8 @@ public:
 
     /// @throws VelaError id -4 "Invalid stack index %d!"
     const VBFChainEntry& get_stack(std::uint64_t index) const;
+
+    bool is_dbl() const { return dbl; }
 
     /// The file has a dictionary; without one it was made by an old writer.
     bool has_dictionary() const { return chain.file.header.format_version > 1; }
@@ -35,6 +37,7 @@ public:
     VBFDictionary read_file_dictionary();
 
 private:
-    VFile file;
+    const bool dbl;
     VBFChain chain;
+    VFile file;
 };

@@ -1,13 +1,11 @@
 #include "stack_copy.h"
 
+#include "file_document.h"
 #include "progress.h"
+#include "record_reader.h"
 #include "scanned_file.h"
 #include "stack_options.h"
 
-#include <Json/SignalingReference.h>
-#include <Json/Value.h>
-#include <Json/XmlReader.h>
-#include <Ome/Document.h>
 #include <VelaBase/VelaError.h>
 #include <VelaBase/vela_dt.h>
 #include <VelaBinaryIO/VBFFile.h>
@@ -31,7 +29,7 @@ void copy_annotations(const VBFStackInterface& source, const FooterParts& footer
     target.set_data_units(source.get_data_units());
     for (const std::string& key : source.get_tag_keys())
         target.set_tag(key, source.get_tag(key));
-    if (!footer.flush.positions.empty())
+    if (footer.flush.count != 0)
         target.set_flush_block_size(footer.flush.block_bytes);
 }
 
@@ -67,29 +65,6 @@ void copy_samples(VBFStackInterface& source, VBFStackInterface& target, Progress
     }
 }
 
-/// A document that cannot be read has nothing to say.
-void read_document(const VBFDictionary& dictionary, SourceNotes& notes)
-{
-    const auto found = dictionary.find("ome_xml");
-    if (found == dictionary.end())
-        return;
-    try
-    {
-        Json::Value root;
-        Json::XmlReader xml(root);
-        const char* begin = found->second.data();
-        xml.read(begin, begin + found->second.size());
-        const Ome::Document<Json::SignalingReference> document{Json::SignalingReference(root)};
-        if (!document.creator.is_null())
-            notes.creator = document.creator.get();
-        if (!document.uuid.is_null())
-            notes.uuid = document.uuid.get();
-    }
-    catch (const std::exception&)
-    {
-    }
-}
-
 } // namespace
 
 SourceNotes read_notes(const std::string& path)
@@ -98,13 +73,16 @@ SourceNotes read_notes(const std::string& path)
     try
     {
         ScannedFile input(path);
+        RecordReader reader(input.get_file());
         for (const VBFChainEntry& stack : input.get_chain().stacks)
         {
-            notes.footers.push_back(read_footer_parts(input.get_file(), stack));
+            notes.footers.push_back(read_footer_parts(reader, stack));
             notes.empty.push_back(stack.header.data_length_on_disk == 0);
         }
         notes.dictionary = input.read_file_dictionary();
-        read_document(notes.dictionary, notes);
+        FileDocument document = read_document(notes.dictionary);
+        notes.creator = std::move(document.creator);
+        notes.uuid = std::move(document.uuid);
     }
     catch (const VelaError&)
     {

@@ -1,6 +1,8 @@
 #include "stack_reader.h"
 
 #include "footer.h"
+#include "record_reader.h"
+#include "sample_size.h"
 #include "stack_shape.h"
 
 #include <VelaBase/VelaError.h>
@@ -14,11 +16,6 @@
 namespace {
 
 constexpr std::uint64_t chunk_bytes = std::uint64_t{4} * 1024 * 1024;
-
-std::uint64_t size_of(vela_dt type)
-{
-    return vela_dt_get_size(static_cast<std::uint32_t>(type));
-}
 
 int convert(vela_dt source_type, vela_dt target_type, const void* source, void* target, std::uint64_t count)
 {
@@ -36,6 +33,19 @@ int convert(vela_dt source_type, vela_dt target_type, const void* source, void* 
     throw VelaError("StackReader::read", __FILE__, __LINE__)("Invalid on-the-fly conversion from '%s' to '%s'!",
                                                              vela_dt_get_name(source_type),
                                                              vela_dt_get_name(target_type))(-1);
+}
+
+/// None where they cannot be read: then the samples are read from their start.
+FlushPoints flush_points_of(RecordReader& reader, const VBFChainEntry& stack)
+{
+    try
+    {
+        return read_flush_points(reader, read_footer_parts(reader, stack).flush);
+    }
+    catch (const Damage&)
+    {
+        return {};
+    }
 }
 
 } // namespace
@@ -86,8 +96,11 @@ void StackReader::start_segment()
         return;
     const int level = stack.header.compression_type == 1 ? stack.header.compression_level : 0;
     segment.init_r(file, level, stack.data_pos, stack.header.data_length_on_disk, count_samples * sample_size_bytes);
-    FlushTable table = level > 0 ? read_footer_parts(file, stack).flush : FlushTable();
-    segment.set_flush_positions(std::move(table.positions), table.block_bytes);
+    if (level <= 0)
+        return;
+    RecordReader reader(file);
+    FlushPoints points = flush_points_of(reader, stack);
+    segment.set_flush_positions(std::move(points.positions), points.block_bytes);
 }
 
 void StackReader::read_segment(std::uint64_t from, std::uint64_t count, vela_dt target, const SampleSink& sink)

@@ -1,6 +1,6 @@
 #include "tags.h"
 
-#include "file_name.h"
+#include "open_file.h"
 #include "output.h"
 #include "text.h"
 
@@ -38,7 +38,7 @@ std::string as_json(const VBFStackInterface& stack, const std::optional<std::str
 void print_tags(const TagsOptions& options)
 {
     Output output("", options.path);
-    VBFFile file(file_name(options.path), VFile::read_mode);
+    VBFFile file = open_vbf(options.path, VFile::read_mode);
     const boost::shared_ptr<VBFStackInterface> stack = file->get_stack(options.index);
     const std::string text = options.json ? as_json(*stack, options.key) : as_text(*stack, options.key);
     output.write(text.data(), text.size());
