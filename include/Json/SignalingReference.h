@@ -50,6 +50,7 @@ struct Access
     }
 };
 
+/// A null slot is false.
 template <>
 struct Access<bool>
 {
@@ -57,6 +58,7 @@ struct Access<bool>
     static bool look(const Value& slot) { return slot.if_boolean() != nullptr && *slot.if_boolean(); }
 };
 
+/// A whole decimal is read as an integer, a null slot as 0.
 template <>
 struct Access<std::int64_t>
 {
@@ -70,6 +72,7 @@ struct Access<std::int64_t>
     }
 };
 
+/// An integer is read as a decimal, a null slot as 0.
 template <>
 struct Access<double>
 {
@@ -82,6 +85,7 @@ struct Access<double>
     }
 };
 
+/// Looking gives null where there is no text.
 template <>
 struct Access<std::string>
 {
@@ -89,6 +93,7 @@ struct Access<std::string>
     static const std::string* look(const Value& slot) { return slot.if_string(); }
 };
 
+/// Looking gives null where there is no object.
 template <>
 struct Access<Value::Object>
 {

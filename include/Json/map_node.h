@@ -40,6 +40,7 @@ struct MapNode
     MapNode* right = nullptr;
 };
 
+/// The node that stands above the root and behind the last entry.
 struct MapHeader : MapNode
 {
     MapHeader() noexcept { reset(); }
@@ -136,6 +137,7 @@ struct MapBlock
     std::size_t capacity;
 };
 
+/// A node with its key and its value.
 template <class K, class V>
 struct MapEntry : MapNode
 {
@@ -237,6 +239,7 @@ private:
     MapBlock* block_;
 };
 
+/// Goes from entry to entry in the order of the keys.
 template <class K, class V, bool is_const>
 class MapIterator
 {

@@ -29,6 +29,7 @@ inline std::string_view as_view(std::string_view text)
     return text;
 }
 
+/// Searching and ordering: what a map does with its nodes that knows their keys.
 template <class K, class V>
 struct MapTree
 {

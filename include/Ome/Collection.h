@@ -69,6 +69,7 @@ private:
     boost::shared_ptr<std::deque<Json::Value*>> elements_; ///< the elements that are in the tree
 };
 
+/// Makes the record of an element when it is looked at.
 template <class T>
 class Collection<T>::const_iterator
 {

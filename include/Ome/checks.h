@@ -24,18 +24,21 @@ struct VELA_API Structure
     static bool check(const Json::Value& value);
 };
 
+/// A text.
 struct VELA_API String
 {
     using type = std::string;
     static bool check(const Json::Value& value);
 };
 
+/// True or false.
 struct VELA_API Boolean
 {
     using type = bool;
     static bool check(const Json::Value& value);
 };
 
+/// A whole number.
 struct VELA_API Integer
 {
     using type = std::int64_t;

@@ -75,11 +75,13 @@ struct Plain
 {
     using type = void;
 };
+/// An unscoped enumeration becomes the integer that it promotes to.
 template <class T>
 struct Plain<T, std::enable_if_t<std::is_enum_v<T> && std::is_convertible_v<T, std::underlying_type_t<T>>>>
 {
     using type = decltype(+std::declval<T>());
 };
+/// An element of a `VProparray<bool>` becomes a `bool`.
 template <>
 struct Plain<std::vector<bool>::reference>
 {
@@ -299,6 +301,7 @@ public:
     bool locked = false;        ///< never to be shared again
 };
 
+/// A held value of the type `T`.
 template <class T>
 class VELA_API VProp::holder final : public VProp::placeholder
 {
