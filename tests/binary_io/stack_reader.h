@@ -23,7 +23,8 @@ public:
         chain = scan_chain(file);
     }
 
-    const VBFStackHeader& header(std::size_t stack) const { return chain.stacks.at(stack).header; }
+    const VBFChainEntry& entry(std::size_t stack) const { return chain.stacks.at(stack); }
+    const VBFStackHeader& header(std::size_t stack) const { return entry(stack).header; }
 
     std::size_t stack_count() const { return chain.stacks.size(); }
 
