@@ -1,4 +1,5 @@
-// Trees of 100000 levels go through the bridge without running out of stack, and in a time that grows with their size.
+// Trees of many levels go through the bridge without running out of stack, and in a time that grows with their size.
+#include "support/little_stack.h"
 #include "json/deep_values.h"
 #include "json/property_trees.h"
 
@@ -19,7 +20,7 @@ using json_test::deep_value;
 using json_test::depth_of;
 using json_test::value_at_depth;
 
-constexpr std::size_t depth = 100000;
+constexpr std::size_t depth = vela_test::depth_beyond_stack;
 
 /// What each level is.
 enum class Levels

@@ -3,6 +3,7 @@
 
 #include "ome/eager_model.h"
 #include "ome/record_fields.h"
+#include "support/rounds.h"
 
 #include <gtest/gtest.h>
 
@@ -241,7 +242,7 @@ private:
 
 TEST(OmeImageRandom, CallsInAnyOrderGiveWhatMakingEverythingAtOnceGives)
 {
-    for (unsigned seed = 0; seed < 1500; ++seed)
+    for (unsigned seed = 0; seed < vela_test::rounds(1500); ++seed)
     {
         Pair pair(seed);
         std::string history;

@@ -1,6 +1,7 @@
 // Paths of a hundred thousand segments.
 #include "props/deep_trees.h"
 #include "support/expect_vela_error.h"
+#include "support/little_stack.h"
 
 #include <VelaProps/VProp.h>
 #include <VelaProps/VPropstruct.h>
@@ -20,7 +21,7 @@ using prop_test::value_at_depth;
 class PathDepth : public testing::TestWithParam<Levels>
 {
 protected:
-    static constexpr std::size_t depth = 100000;
+    static constexpr std::size_t depth = vela_test::depth_beyond_stack;
 
     PathDepth() : path(path_of(depth, GetParam())) {}
 

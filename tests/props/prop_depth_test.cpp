@@ -1,5 +1,6 @@
 // Trees of any depth are copied, compared, detached and destroyed without running out of stack.
 #include "props/deep_trees.h"
+#include "support/little_stack.h"
 
 #include <VelaProps/VProp.h>
 #include <VelaProps/VPropstruct.h>
@@ -20,7 +21,7 @@ using prop_test::value_at_depth;
 class PropDepth : public testing::TestWithParam<Levels>
 {
 protected:
-    static constexpr std::size_t depth = 100000;
+    static constexpr std::size_t depth = vela_test::depth_beyond_stack;
 
     /// A tree for each test, around this leaf.
     static void grow(VProp& leaf, bool lock = false) { deepen(leaf, depth, GetParam(), lock); }

@@ -3,6 +3,7 @@
 #include "propsxml/number_types.h"
 #include "propsxml/stream_numbers.h"
 #include "propsxml/xml_check.h"
+#include "support/rounds.h"
 
 #include <cmath>
 #include <complex>
@@ -23,7 +24,7 @@ using xml_test::NumberTypes;
 using xml_test::same_bits;
 using xml_test::stream_text;
 
-constexpr std::size_t count_texts = 20000;
+constexpr std::size_t count_texts = vela_test::rounds(20000);
 
 /// Reads one value of `text` from `at` on, which moves behind it, as a stream of the classic locale does.
 template <class T>

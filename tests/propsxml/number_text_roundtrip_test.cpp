@@ -1,6 +1,7 @@
 // Text of numbers against the streams of the standard library, over random bits and numbers where something changes.
 #include "propsxml/stream_numbers.h"
 #include "propsxml/xml_check.h"
+#include "support/rounds.h"
 
 #include <cmath>
 #include <complex>
@@ -15,7 +16,7 @@ namespace {
 using xml_test::same_bits;
 using xml_test::stream_text;
 
-constexpr std::size_t count_patterns = 300000;
+constexpr std::size_t count_patterns = vela_test::rounds(300000);
 
 /// The text of `value` alone, and what is read from that text.
 template <class T>
@@ -77,13 +78,13 @@ void check_special_numbers()
         check_around(std::ldexp(T(1), exponent));
     for (int exponent = Limits::min_exponent10; exponent <= Limits::max_exponent10; ++exponent)
         check_around(static_cast<T>(std::pow(T(10), exponent)));
-    for (int number = 0; number < 100000; ++number)
+    for (int number = 0; number < static_cast<int>(vela_test::rounds(100000)); ++number)
     {
         check_text(static_cast<T>(number));
         check_text(static_cast<T>(number) / 1000);
     }
     std::mt19937_64 random(13);
-    for (int i = 0; i < 100000; ++i) // many digits, and often exactly half of the last one
+    for (std::size_t i = 0; i < vela_test::rounds(100000); ++i) // many digits, and often exactly half of the last one
         check_text(std::ldexp(static_cast<T>(random() >> 40 | 1), static_cast<int>(random() % 160) - 80));
     check_text(T(0));
     check_text(-T(0));

@@ -1,6 +1,7 @@
 // Trees that are written and read again come back equal, but for what is named here.
 #include "propsxml/random_tree.h"
 #include "propsxml/xml_check.h"
+#include "support/rounds.h"
 
 #include <cmath>
 #include <limits>
@@ -14,7 +15,7 @@ using xml_test::imported;
 using xml_test::RandomTree;
 using xml_test::sizes_of;
 
-constexpr std::size_t count_trees = 3000;
+constexpr std::size_t count_trees = vela_test::rounds(3000);
 
 /// What the equality of values does not look at: sizes and flags, all through the tree.
 void expect_same_shapes(const VProp& written, const VProp& read)

@@ -1,6 +1,7 @@
 // Copies of random regions of random stacks against a model that knows nothing of rows and tiles.
 
 #include "stacks/stack_model.h"
+#include "support/rounds.h"
 
 #include <VelaStacks/VStackRegion.h>
 
@@ -104,7 +105,7 @@ protected:
 TEST_F(RandomCopy, IsThatOfTheModel)
 {
     AnyTypeStack reused;
-    for (int round = 0; round < 6000; ++round)
+    for (std::size_t round = 0; round < vela_test::rounds(6000); ++round)
     {
         AnyTypeStack source(any_sizes(below(5)), any_type());
         fill_randomly(source, random);

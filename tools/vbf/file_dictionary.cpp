@@ -69,18 +69,9 @@ VBFDictionary pairs_of_copy(VBFDictionary pairs)
     const auto found = pairs.find("ome_xml");
     if (found == pairs.end())
         return pairs;
-    std::string& document = found->second;
     try
     {
-        const XmlElement root = parse_xml(document);
-        for (const XmlAttribute& attribute : root.attributes)
-        {
-            if (attribute.name == "UUID")
-            {
-                document.erase(attribute.begin, attribute.end - attribute.begin);
-                break;
-            }
-        }
+        found->second = without_root_attribute(found->second, "UUID");
     }
     catch (const std::runtime_error&) // no document: nothing in it names the file
     {

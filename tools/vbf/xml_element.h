@@ -1,7 +1,6 @@
 /// XML documents as trees of text.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,8 +8,6 @@ struct XmlAttribute
 {
     std::string name; ///< with its prefix
     std::string text;
-    std::size_t begin; ///< in the document, of the blanks before it
-    std::size_t end;
 };
 
 /// An element, with all that it says as it stands in the document: "007" stays what it is, and children stay in order.
@@ -27,7 +24,12 @@ struct XmlElement
     const XmlElement* find_child(const std::string& wanted) const;
 };
 
-/// The root of a document in UTF-8. Nothing is known of namespaces and of document types.
+/// The root of a document in UTF-8. What follows it is not looked at. Prefixes are part of names, and need not be declared.
 ///
-/// @throws std::runtime_error: it is no XML, has a document type, or is nested too deeply.
+/// @throws std::runtime_error "The document is no XML.": also if it has a document type, or is nested deeper than 100
 XmlElement parse_xml(const std::string& document);
+
+/// The document with one attribute of its root left out, if it is there, and else as it stands.
+///
+/// @throws std::runtime_error "The document is no XML.": up to the first tag
+std::string without_root_attribute(const std::string& document, const std::string& name);
