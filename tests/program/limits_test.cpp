@@ -1,25 +1,13 @@
 // The program where the system gives it little.
 #include "build_vbf.h"
 #include "run_vbf.h"
+#include "support/address_sanitizer.h"
 
 #include <sys/resource.h>
 
 using namespace vela_test;
 
 namespace {
-
-/// Memory is not counted as usual where the program looks after it.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool memory_can_be_limited = false;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool memory_can_be_limited = false;
-#else
-constexpr bool memory_can_be_limited = true;
-#endif
-#else
-constexpr bool memory_can_be_limited = true;
-#endif
 
 /// A limit of this process, which a program that it starts inherits.
 class Limit
@@ -100,7 +88,7 @@ TEST_F(LimitsTest, LimitOfAFileIsAFailureLikeAnyOther)
 
 TEST_F(LimitsTest, FooterThatStacksShareIsNotKeptForEach)
 {
-    if (!memory_can_be_limited)
+    if (has_address_sanitizer)
         GTEST_SKIP();
     const std::string file = put(shared_footer(1000, 131072)); // 1 GB if it were kept
     const Limit limit(RLIMIT_AS, rlim_t{400} * 1000 * 1000);
