@@ -4,6 +4,7 @@
 #include "ome_document.h"
 #include "open_file.h"
 #include "progress.h"
+#include "sample_size.h"
 #include "stack_copy.h"
 #include "tiff_handle.h"
 
@@ -51,8 +52,7 @@ public:
     {
         const std::uint64_t row_bytes = samples.size() / height;
         const auto rows = static_cast<std::uint32_t>(std::clamp<std::uint64_t>(strip_bytes / row_bytes, 1, height));
-        const auto bits =
-            static_cast<std::uint32_t>(vela_dt_get_size(static_cast<std::uint32_t>(type)) * bits_per_byte);
+        const auto bits = static_cast<std::uint32_t>(size_of(type) * bits_per_byte);
         TIFF* const tiff_file = file.get();
         bool good = TIFFSetField(tiff_file, TIFFTAG_IMAGEWIDTH, width) != 0;
         good = good && TIFFSetField(tiff_file, TIFFTAG_IMAGELENGTH, height) != 0;
@@ -102,7 +102,7 @@ private:
 void read_plane(VBFStackInterface& stack, std::uint64_t plane, std::uint64_t count_samples,
                 std::vector<unsigned char>& samples)
 {
-    const std::uint64_t sample_bytes = vela_dt_get_size(static_cast<std::uint32_t>(stack.get_dt()));
+    const std::uint64_t sample_bytes = size_of(stack.get_dt());
     const std::uint64_t count_at_once = std::max<std::uint64_t>(read_bytes / sample_bytes, 1);
     samples.clear();
     std::uint64_t pos = plane * count_samples;
@@ -127,7 +127,7 @@ void export_stack(const ExportOptions& options)
     const FooterParts footer = options.index < notes.footers.size() ? notes.footers[options.index] : FooterParts();
     const std::string document = ome_document(*stack, footer, planes);
     const std::uint64_t count_samples = planes.sizes[0] * planes.sizes[1];
-    const std::uint64_t sample_bytes = vela_dt_get_size(static_cast<std::uint32_t>(stack->get_dt()));
+    const std::uint64_t sample_bytes = size_of(stack->get_dt());
     if (count_samples > max_tiff_bytes / sample_bytes)
         throw std::runtime_error("The planes are too large.");
 

@@ -61,8 +61,11 @@ std::string reason(const std::string& path, VFile::mode mode)
 void name_failure(const VelaError& error, const std::string& path, VFile::mode mode)
 {
     const std::string& message = error.get_msg();
+    const bool is_short_dbl = message == "Error reading .dbl file!"; // unless it could not be opened
+    if (!is_short_dbl && message != "Could not open file!")
+        return;
     const std::string why = reason(path, mode);
-    if (message != "Could not open file!" && (message != "Error reading .dbl file!" || why.empty()))
+    if (is_short_dbl && why.empty())
         return;
     throw std::runtime_error("'" + path + "': Could not open file!" + (why.empty() ? "" : " (" + why + ")"));
 }

@@ -3,6 +3,7 @@
 #include "file_document.h"
 #include "progress.h"
 #include "record_reader.h"
+#include "sample_size.h"
 #include "scanned_file.h"
 #include "stack_options.h"
 
@@ -50,7 +51,7 @@ void copy_compression(const VBFStackInterface& source, VBFStackInterface& target
 void copy_samples(VBFStackInterface& source, VBFStackInterface& target, Progress& progress)
 {
     const vela_dt type = source.get_dt();
-    const std::uint64_t sample_bytes = vela_dt_get_size(static_cast<std::uint32_t>(type));
+    const std::uint64_t sample_bytes = size_of(type);
     const std::uint64_t chunk = std::max<std::uint64_t>(chunk_bytes / std::max<std::uint64_t>(sample_bytes, 1), 1);
     std::vector<unsigned char> samples;
     std::uint64_t left = source.get_number_of_elements();
