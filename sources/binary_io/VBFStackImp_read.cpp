@@ -22,7 +22,7 @@ namespace {
     throw VelaError("VBFStackImp::read_imp", __FILE__, line)("%s", text)(-1);
 }
 
-[[noreturn]] void throw_file_closed(int line)
+[[noreturn]] void throw_read_closed(int line)
 {
     throw_read_error(line, "Cannot access VBFStack, file has been closed!");
 }
@@ -144,7 +144,7 @@ void VBFStackImp::require_readable(std::uint64_t first) const
     if (first == exhausted)
         throw_read_error(__LINE__, "Invalid position (-1) passed. Possible reason: Last read call exhausted data.");
     if (file == nullptr)
-        throw_file_closed(__LINE__);
+        throw_read_closed(__LINE__);
     if (state != 0)
         throw_read_error(__LINE__, "Stack not committed to disk. Cannot read!");
 }
@@ -177,7 +177,7 @@ void VBFStackImp::read_chunks(std::uint64_t first, std::uint64_t count, ReadTarg
         if (!file_position.report_progress(n * sample_size))
             throw VelaError("VBFStackImp::read_imp", __FILE__, __LINE__)("Cancelled by user!")(-11);
         if (file == nullptr)
-            throw_file_closed(__LINE__); // by the callback
+            throw_read_closed(__LINE__); // by the callback
         move_to(first);                  // the callback may have read too; where it has not, this does nothing
         read_chunk(n, target);
         target.advance(n);

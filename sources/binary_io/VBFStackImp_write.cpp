@@ -24,7 +24,7 @@ namespace {
     throw VelaError("VBFStackImp::write", __FILE__, line)("%s", text)(-1);
 }
 
-[[noreturn]] void throw_file_closed(int line)
+[[noreturn]] void throw_write_closed(int line)
 {
     throw_write(line, "Cannot access VBFStack, file has been closed!");
 }
@@ -68,7 +68,7 @@ void VBFStackImp::write(int type, const void* data, const void* imag, std::uint6
 void VBFStackImp::require_writable() const
 {
     if (file == nullptr)
-        throw_file_closed(__LINE__);
+        throw_write_closed(__LINE__);
     if (state == -1)
         throw_write(__LINE__, "Stack not ready to be commited. Meta-information missing!");
     if (state == 0)

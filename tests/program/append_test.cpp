@@ -3,7 +3,7 @@
 #include "transfer_test.h"
 
 using namespace vela_test;
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 namespace {
 
@@ -18,11 +18,11 @@ TEST_F(AppendTest, ImagesBecomeFurtherStacks)
     const std::string file = vbf(ramp(2), "file.vbf", {"--creator", "somebody"});
     output_of({"append", file, tiff(ramp(1, 100), "more.tif"), tiff(ramp(3, 200), "last.tif"), "--tag", "a=b"});
     EXPECT_TRUE(in_order(file));
-    const Json listed = info(file);
+    const ParsedJson listed = info(file);
     EXPECT_EQ(listed.count("open"), 0u);
     EXPECT_EQ(listed["stacks"].size(), 3u);
     EXPECT_EQ(listed["stacks"][2]["name"], "last");
-    EXPECT_EQ(listed["stacks"][2]["tags"], Json({{"a", "b"}}));
+    EXPECT_EQ(listed["stacks"][2]["tags"], ParsedJson({{"a", "b"}}));
     EXPECT_EQ(samples(file, "0").size(), 32u);
     EXPECT_EQ(samples(file, "1"), ramp(1, 100).pages[0]);
     EXPECT_THAT(output_of({"ome", file}), testing::HasSubstr("Creator=\"somebody\""));
@@ -37,7 +37,7 @@ TEST_F(AppendTest, StacksOfAnotherFileAreAdded)
     output_of({"append", file, "--from", other});
     EXPECT_TRUE(in_order(file));
     EXPECT_EQ(info(file)["stacks"].size(), 3u);
-    EXPECT_EQ(info(file)["stacks"][2]["tags"], Json({{"k", "v"}}));
+    EXPECT_EQ(info(file)["stacks"][2]["tags"], ParsedJson({{"k", "v"}}));
     EXPECT_EQ(samples(file, "2"), samples(other));
     EXPECT_EQ(get_bytes(other), before);
 }

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 using namespace vela_test;
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 namespace {
 
@@ -54,11 +54,11 @@ TEST_F(DblTest, InfoListsIt)
                                                 "  type         single\n"
                                                 "  compression  none\n"
                                                 "  on disk      24 bytes at 128\n");
-    const Json listed = Json::parse(output_of({"info", file, "--json"}));
+    const ParsedJson listed = ParsedJson::parse(output_of({"info", file, "--json"}));
     EXPECT_EQ(listed["format"], "DBL");
     EXPECT_EQ(listed["format_version"], nullptr);
     EXPECT_EQ(listed.count("open"), 0u);
-    EXPECT_EQ(listed["stacks"][0]["sizes"], Json({3, 2}));
+    EXPECT_EQ(listed["stacks"][0]["sizes"], ParsedJson({3, 2}));
     EXPECT_EQ(listed["stacks"][0]["type"], "single");
 }
 

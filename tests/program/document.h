@@ -3,6 +3,7 @@
 
 #include "support/temporary_folder.h"
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -12,7 +13,7 @@ namespace vela_test {
 /// A file of the tree.
 inline std::string text_of(const std::string& path_in_tree)
 {
-    const Bytes bytes = get_bytes(std::string(VELA_SOURCE_ROOT) + "/" + path_in_tree);
+    const Bytes bytes = get_bytes((std::filesystem::path(VELA_SOURCE_ROOT) / path_in_tree).string());
     return std::string(bytes.begin(), bytes.end());
 }
 

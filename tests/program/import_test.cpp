@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 using namespace vela_test;
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 namespace {
 
@@ -44,7 +44,7 @@ protected:
     }
 
     /// Imports one image and gives what is listed of its stack.
-    Json import(const TiffRecipe& recipe, std::vector<std::string> options = {}) const
+    ParsedJson import(const TiffRecipe& recipe, std::vector<std::string> options = {}) const
     {
         std::vector<std::string> arguments = {"import", tiff(recipe), out()};
         arguments.insert(arguments.end(), options.begin(), options.end());
@@ -53,7 +53,7 @@ protected:
         return info()["stacks"].at(0);
     }
 
-    Json info() const { return Json::parse(output_of({"info", out(), "--json"})); }
+    ParsedJson info() const { return ParsedJson::parse(output_of({"info", out(), "--json"})); }
     Bytes samples(const std::string& index = "0") const { return bytes_of({"read", out(), index}); }
 
     void expect_refused(const TiffRecipe& recipe, const std::string& message) const
@@ -81,8 +81,8 @@ Bytes bytes_of_numbers(std::initializer_list<T> numbers)
 TEST_F(ImportTest, PagesBecomeTheThirdAxis)
 {
     const TiffRecipe recipe = small_tiff(4);
-    const Json stack = import(recipe);
-    EXPECT_EQ(stack["sizes"], Json({5, 3, 4}));
+    const ParsedJson stack = import(recipe);
+    EXPECT_EQ(stack["sizes"], ParsedJson({5, 3, 4}));
     EXPECT_EQ(stack["type"], "uint8");
     EXPECT_EQ(stack["name"], "image");
     EXPECT_EQ(stack["compression_type"], 1);
@@ -94,7 +94,7 @@ TEST_F(ImportTest, PagesBecomeTheThirdAxis)
 
 TEST_F(ImportTest, OnePageHasTwoAxes)
 {
-    EXPECT_EQ(import(small_tiff(1))["sizes"], Json({5, 3}));
+    EXPECT_EQ(import(small_tiff(1))["sizes"], ParsedJson({5, 3}));
 }
 
 TEST_F(ImportTest, EachTypeOfSamplesIsKept)
@@ -169,7 +169,7 @@ TEST_F(ImportTest, SamplesOfAPixelBecomeChannels)
     recipe.height = 1;
     recipe.samples_per_pixel = 3;
     recipe.pages = {{1, 2, 3, 4, 5, 6}, {11, 12, 13, 14, 15, 16}};
-    EXPECT_EQ(import(recipe)["sizes"], Json({2, 1, 2, 1, 3}));
+    EXPECT_EQ(import(recipe)["sizes"], ParsedJson({2, 1, 2, 1, 3}));
     EXPECT_EQ(samples(), (Bytes{1, 4, 11, 14, 2, 5, 12, 15, 3, 6, 13, 16}));
     recipe.planar = true;
     import(recipe);
@@ -182,19 +182,19 @@ TEST_F(ImportTest, LinesOfTheDescriptionGiveAxesAndLengths)
     recipe.description = "ImageJ=1.53\nimages=12\nchannels=2\nslices=3\nframes=2\nunit=micron\nspacing=0.5\n"
                          "finterval=4\n";
     recipe.resolution = 2;
-    const Json stack = import(recipe);
-    EXPECT_EQ(stack["sizes"], Json({5, 3, 3, 2, 2}));
-    EXPECT_EQ(stack["lengths"], Json({5 * 0.5 * 1e-6, 3 * 0.5 * 1e-6, 3 * 0.5 * 1e-6, 8.0, 1.0}));
-    EXPECT_EQ(stack["offsets"], Json({5 * 0.25 * 1e-6, 3 * 0.25 * 1e-6, 3 * 0.25 * 1e-6, 4.0, 0.0}));
+    const ParsedJson stack = import(recipe);
+    EXPECT_EQ(stack["sizes"], ParsedJson({5, 3, 3, 2, 2}));
+    EXPECT_EQ(stack["lengths"], ParsedJson({5 * 0.5 * 1e-6, 3 * 0.5 * 1e-6, 3 * 0.5 * 1e-6, 8.0, 1.0}));
+    EXPECT_EQ(stack["offsets"], ParsedJson({5 * 0.25 * 1e-6, 3 * 0.25 * 1e-6, 3 * 0.25 * 1e-6, 4.0, 0.0}));
     std::vector<std::string> labels;
-    std::vector<Json> units;
-    for (const Json& axis : stack["axes"])
+    std::vector<ParsedJson> units;
+    for (const ParsedJson& axis : stack["axes"])
     {
         labels.push_back(axis["label"]);
         units.push_back(axis["unit"]);
     }
     EXPECT_EQ(labels, (std::vector<std::string>{"X", "Y", "Z", "T", "C"}));
-    EXPECT_EQ(units, (std::vector<Json>{"m", "m", "m", "s", nullptr}));
+    EXPECT_EQ(units, (std::vector<ParsedJson>{"m", "m", "m", "s", nullptr}));
     // The pages run through C, then Z, then T; the stack through Z, then T, then C.
     std::vector<Bytes> expected;
     for (const std::size_t page : {0u, 2u, 4u, 6u, 8u, 10u, 1u, 3u, 5u, 7u, 9u, 11u})
@@ -211,8 +211,8 @@ TEST_F(ImportTest, OmeDocumentGivesAxesAndLengths)
         "ID=\"Pixels:0\" DimensionOrder=\"XYTZC\" Type=\"uint8\" SizeX=\"5\" SizeY=\"3\" SizeZ=\"2\" SizeT=\"3\" "
         "SizeC=\"1\" PhysicalSizeX=\"0.25\" PhysicalSizeY=\"250\" PhysicalSizeYUnit=\"nm\" TimeIncrement=\"2\">"
         "<Channel ID=\"Channel:0:0\"/><TiffData/></Pixels></Image></OME>";
-    const Json stack = import(recipe);
-    EXPECT_EQ(stack["sizes"], Json({5, 3, 2, 3}));
+    const ParsedJson stack = import(recipe);
+    EXPECT_EQ(stack["sizes"], ParsedJson({5, 3, 2, 3}));
     EXPECT_EQ(stack["name"], "cells");
     EXPECT_DOUBLE_EQ(stack["lengths"][0], 1.25e-6);
     EXPECT_DOUBLE_EQ(stack["lengths"][1], 0.75e-6);
@@ -232,20 +232,20 @@ TEST_F(ImportTest, DescriptionThatDoesNotFitIsReported)
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err,
               "vbf: '" + file + "': the description is not in keeping with the 4 pages, which become the axis Z\n");
-    EXPECT_EQ(info()["stacks"][0]["sizes"], Json({5, 3, 4}));
+    EXPECT_EQ(info()["stacks"][0]["sizes"], ParsedJson({5, 3, 4}));
 }
 
 TEST_F(ImportTest, OptionsDescribeTheStack)
 {
-    const Json stack = import(small_tiff(2), {"--level", "0", "--label", "A,,B", "--length", "10,20,3", "--unit", "um",
-                                              "--tag", "dye=DAPI", "--tag", "a=b=c", "--name", "My cells"});
+    const ParsedJson stack = import(small_tiff(2), {"--level", "0", "--label", "A,,B", "--length", "10,20,3", "--unit",
+                                                    "um", "--tag", "dye=DAPI", "--tag", "a=b=c", "--name", "My cells"});
     EXPECT_EQ(stack["compression_type"], 0);
     EXPECT_EQ(stack["name"], "My cells");
     EXPECT_DOUBLE_EQ(stack["lengths"][0], 10e-6);
     EXPECT_DOUBLE_EQ(stack["lengths"][2], 3e-6);
-    EXPECT_EQ(stack["axes"][0], Json({{"label", "A"}, {"unit", "m"}, {"equidistant", true}}));
+    EXPECT_EQ(stack["axes"][0], ParsedJson({{"label", "A"}, {"unit", "m"}, {"equidistant", true}}));
     EXPECT_EQ(stack["axes"][1]["label"], "");
-    EXPECT_EQ(stack["tags"], Json({{"a", "b=c"}, {"dye", "DAPI"}}));
+    EXPECT_EQ(stack["tags"], ParsedJson({{"a", "b=c"}, {"dye", "DAPI"}}));
     EXPECT_EQ(import(small_tiff(2), {"--length", "1,2,3", "--unit", "mm,mm,s"})["axes"][2]["unit"], "s");
 }
 
@@ -364,7 +364,7 @@ TEST_F(ImportTest, BigTiffFilesAreRead)
     for (const bool big_endian : {false, true})
     {
         recipe.big_endian = big_endian;
-        EXPECT_EQ(import(recipe)["sizes"], Json({5, 3, 3}));
+        EXPECT_EQ(import(recipe)["sizes"], ParsedJson({5, 3, 3}));
         EXPECT_EQ(samples(), joined(recipe.pages));
     }
 }
@@ -384,7 +384,7 @@ TEST_F(ImportTest, PalettesAreLeftOut)
     TIFFWriteScanline(palette, row.data(), 0, 0);
     TIFFClose(palette);
     output_of({"import", file, out()});
-    EXPECT_EQ(info()["stacks"][0]["sizes"], Json({3, 1}));
+    EXPECT_EQ(info()["stacks"][0]["sizes"], ParsedJson({3, 1}));
     EXPECT_EQ(samples(), (Bytes{2, 1, 255}));
 }
 

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 using namespace vela_test;
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 namespace {
 
@@ -21,7 +21,10 @@ protected:
     }
 
     std::string text(const std::string& name) const { return output_of({"info", golden(name)}); }
-    Json json(const std::string& name) const { return Json::parse(output_of({"info", golden(name), "--json"})); }
+    ParsedJson json(const std::string& name) const
+    {
+        return ParsedJson::parse(output_of({"info", golden(name), "--json"}));
+    }
 };
 
 } // namespace
@@ -30,7 +33,7 @@ TEST_F(InfoDetailsTest, UnitsOfTheSamples)
 {
     EXPECT_THAT(text("units.vbf"), testing::HasSubstr("  axes         X in \xc2\xb5m, Y in m, Z in ms\n"
                                                       "  unit of data V\n"));
-    const Json stacks = json("units.vbf")["stacks"];
+    const ParsedJson stacks = json("units.vbf")["stacks"];
     EXPECT_EQ(stacks[0]["data_unit"], "V");
     EXPECT_EQ(stacks[3]["data_unit"], nullptr);
 }
@@ -38,8 +41,8 @@ TEST_F(InfoDetailsTest, UnitsOfTheSamples)
 TEST_F(InfoDetailsTest, PositionsOfColumns)
 {
     EXPECT_THAT(text("columns.vbf"), testing::HasSubstr("  positions 2  0, 0.5, 2.5\n"));
-    const Json axes = json("columns.vbf")["stacks"][0]["axes"];
-    EXPECT_EQ(axes[2]["column_positions"], Json({0, 0.5, 2.5}));
+    const ParsedJson axes = json("columns.vbf")["stacks"][0]["axes"];
+    EXPECT_EQ(axes[2]["column_positions"], ParsedJson({0, 0.5, 2.5}));
     EXPECT_EQ(axes[2]["equidistant"], false);
     EXPECT_EQ(axes[0].count("column_positions"), 0u);
 }
@@ -67,10 +70,10 @@ TEST_F(InfoDetailsTest, PositionInGlobalAxes)
     EXPECT_THAT(text("positions.vbf"), testing::HasSubstr("  global x     from 1.5, axes by 1, 0\n"
                                                           "  global y     from -2, axes by 0, 0.866025\n"
                                                           "  global z     from 100, axes by 0, 0.5\n"));
-    const Json position = json("positions.vbf")["stacks"][0]["global_position"];
-    EXPECT_EQ(position["labels"], Json({"x", "y", "z"}));
-    EXPECT_EQ(position["origin"], Json({1.5, -2, 100}));
-    EXPECT_EQ(position["matrix"][2], Json({0, 0.5}));
+    const ParsedJson position = json("positions.vbf")["stacks"][0]["global_position"];
+    EXPECT_EQ(position["labels"], ParsedJson({"x", "y", "z"}));
+    EXPECT_EQ(position["origin"], ParsedJson({1.5, -2, 100}));
+    EXPECT_EQ(position["matrix"][2], ParsedJson({0, 0.5}));
 }
 
 TEST_F(InfoDetailsTest, CreatorAndUuid)

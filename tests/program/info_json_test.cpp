@@ -6,7 +6,7 @@
 #include <limits>
 
 using namespace vela_test;
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 namespace {
 
@@ -14,9 +14,9 @@ class InfoJsonTest : public ProgramTest
 {
 protected:
     /// Parsed strictly: a document that is no UTF-8 or has text behind it fails.
-    Json info(const std::string& file) const { return Json::parse(output_of({"info", file, "--json"})); }
+    ParsedJson info(const std::string& file) const { return ParsedJson::parse(output_of({"info", file, "--json"})); }
 
-    Json info_of(const Bytes& file) const { return info(put(file)); }
+    ParsedJson info_of(const Bytes& file) const { return info(put(file)); }
 };
 
 const char* const golgi_document = R"({
@@ -63,7 +63,7 @@ const char* const golgi_document = R"({
 
 TEST_F(InfoJsonTest, ListsTheGolgiStack)
 {
-    EXPECT_EQ(info(VELA_GOLGI_FILE), Json::parse(golgi_document));
+    EXPECT_EQ(info(VELA_GOLGI_FILE), ParsedJson::parse(golgi_document));
 }
 
 TEST_F(InfoJsonTest, KeysComeInTheOrderOfTheFormat)
@@ -77,7 +77,7 @@ TEST_F(InfoJsonTest, ListsEveryStackOfTheChain)
     FileRecipe file;
     file.stacks = {plain_stack<std::uint8_t>({2}, 1, {1, 2}), plain_stack<float>({}, 0x40, {1.5f}),
                    plain_stack<std::int16_t>({1, 2, 1}, 8, {1, 2})};
-    const Json stacks = info_of(build_vbf(file))["stacks"];
+    const ParsedJson stacks = info_of(build_vbf(file))["stacks"];
     ASSERT_EQ(stacks.size(), 3u);
     EXPECT_EQ(stacks[0]["position"], 34);
     EXPECT_EQ(stacks[0]["data_pos"], 402);
@@ -85,16 +85,16 @@ TEST_F(InfoJsonTest, ListsEveryStackOfTheChain)
     EXPECT_EQ(stacks[1]["position"], 404 + 1444 + 4 + 4);
     EXPECT_EQ(stacks[1]["index"], 1);
     EXPECT_EQ(stacks[2]["type"], "int16");
-    EXPECT_EQ(stacks[2]["sizes"], Json({1, 2, 1}));
+    EXPECT_EQ(stacks[2]["sizes"], ParsedJson({1, 2, 1}));
 }
 
 TEST_F(InfoJsonTest, RankZeroHasEmptyLists)
 {
-    const Json stack = info_of(build_vbf(plain_stack<std::uint8_t>({}, 1, {7})))["stacks"][0];
+    const ParsedJson stack = info_of(build_vbf(plain_stack<std::uint8_t>({}, 1, {7})))["stacks"][0];
     EXPECT_EQ(stack["rank"], 0);
-    EXPECT_EQ(stack["sizes"], Json::array());
-    EXPECT_EQ(stack["lengths"], Json::array());
-    EXPECT_EQ(stack["offsets"], Json::array());
+    EXPECT_EQ(stack["sizes"], ParsedJson::array());
+    EXPECT_EQ(stack["lengths"], ParsedJson::array());
+    EXPECT_EQ(stack["offsets"], ParsedJson::array());
 }
 
 TEST_F(InfoJsonTest, EntriesBehindTheRankAreNotListed)
@@ -104,10 +104,10 @@ TEST_F(InfoJsonTest, EntriesBehindTheRankAreNotListed)
     writer.set<std::uint32_t>(34 + 24 + 2 * 4, 77);
     writer.set(34 + 84 + 2 * 8, 77.0);
     writer.set(34 + 204 + 2 * 8, 77.0);
-    const Json listed = info_of(writer.bytes)["stacks"][0];
-    EXPECT_EQ(listed["sizes"], Json({2, 1}));
-    EXPECT_EQ(listed["lengths"], Json({1.0, 1.0}));
-    EXPECT_EQ(listed["offsets"], Json({0.0, 0.0}));
+    const ParsedJson listed = info_of(writer.bytes)["stacks"][0];
+    EXPECT_EQ(listed["sizes"], ParsedJson({2, 1}));
+    EXPECT_EQ(listed["lengths"], ParsedJson({1.0, 1.0}));
+    EXPECT_EQ(listed["offsets"], ParsedJson({0.0, 0.0}));
 }
 
 TEST_F(InfoJsonTest, NumbersThatAreNotFiniteAreNull)
@@ -117,16 +117,16 @@ TEST_F(InfoJsonTest, NumbersThatAreNotFiniteAreNull)
     StackRecipe stack = plain_stack<std::uint8_t>({1, 1, 1}, 1, {1});
     stack.lengths = {inf, 2.5, -inf};
     stack.offsets = {nan, inf, -0.5};
-    const Json listed = info_of(build_vbf(stack))["stacks"][0];
-    EXPECT_EQ(listed["lengths"], Json({nullptr, 2.5, nullptr}));
-    EXPECT_EQ(listed["offsets"], Json({nullptr, nullptr, -0.5}));
+    const ParsedJson listed = info_of(build_vbf(stack))["stacks"][0];
+    EXPECT_EQ(listed["lengths"], ParsedJson({nullptr, 2.5, nullptr}));
+    EXPECT_EQ(listed["offsets"], ParsedJson({nullptr, nullptr, -0.5}));
 }
 
 TEST_F(InfoJsonTest, LengthThatIsNoNumberCountsAsOne)
 {
     StackRecipe stack = plain_stack<std::uint8_t>({1}, 1, {1});
     stack.lengths = {std::numeric_limits<double>::quiet_NaN()};
-    EXPECT_EQ(info_of(build_vbf(stack))["stacks"][0]["lengths"], Json({1.0}));
+    EXPECT_EQ(info_of(build_vbf(stack))["stacks"][0]["lengths"], ParsedJson({1.0}));
 }
 
 TEST_F(InfoJsonTest, BytesThatAreNoUtf8BecomeTheReplacementCharacter)
@@ -136,7 +136,7 @@ TEST_F(InfoJsonTest, BytesThatAreNoUtf8BecomeTheReplacementCharacter)
     file.stacks = {plain_stack<std::uint8_t>({1}, 1, {1})};
     file.stacks[0].name = "a\xff\xe2\x82z\xed\xa0\x80\xc0\x80|\xf0\x9f\x94\xac";
     file.stacks[0].description = "\xc2\xb5m \xf4\x90";
-    const Json document = info_of(build_vbf(file));
+    const ParsedJson document = info_of(build_vbf(file));
     EXPECT_EQ(document["description"], "caf\xef\xbf\xbd");
     EXPECT_EQ(document["stacks"][0]["name"], "a\xef\xbf\xbd\xef\xbf\xbdz\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd"
                                              "\xef\xbf\xbd\xef\xbf\xbd|\xf0\x9f\x94\xac");
@@ -161,8 +161,8 @@ TEST_F(InfoJsonTest, NumbersOfTheHeaderAreTakenAsTheyAre)
     StackRecipe stack = plain_stack<std::uint8_t>({0xffffffffu}, -1, {1});
     stack.compression_type = -7; // as the bytes F9 FF FF FF
     stack.compression_level = 1000;
-    const Json listed = info_of(build_vbf(stack))["stacks"][0];
-    EXPECT_EQ(listed["sizes"], Json({0xffffffffu}));
+    const ParsedJson listed = info_of(build_vbf(stack))["stacks"][0];
+    EXPECT_EQ(listed["sizes"], ParsedJson({0xffffffffu}));
     EXPECT_EQ(listed["data_type"], -1);
     EXPECT_EQ(listed["compression_type"], 0xfffffff9u);
     EXPECT_EQ(listed["compression_level"], 1000);
@@ -175,7 +175,7 @@ TEST_F(InfoJsonTest, OldVersionsHaveNoMetaDataPos)
         FileRecipe file;
         file.format_version = version;
         file.stacks = {plain_stack<std::uint8_t>({1}, 1, {1})};
-        const Json document = info_of(build_vbf(file));
+        const ParsedJson document = info_of(build_vbf(file));
         EXPECT_EQ(document["format_version"], version);
         EXPECT_TRUE(document["meta_data_pos"].is_null());
         EXPECT_FALSE(document.contains("open"));
@@ -185,8 +185,8 @@ TEST_F(InfoJsonTest, OldVersionsHaveNoMetaDataPos)
 
 TEST_F(InfoJsonTest, FileWithoutStacksHasAnEmptyList)
 {
-    const Json document = info_of(build_vbf(FileRecipe()));
-    EXPECT_EQ(document["stacks"], Json::array());
+    const ParsedJson document = info_of(build_vbf(FileRecipe()));
+    EXPECT_EQ(document["stacks"], ParsedJson::array());
     EXPECT_EQ(document["meta_data_pos"], 34);
     EXPECT_FALSE(document.contains("open"));
 }
@@ -197,7 +197,7 @@ TEST_F(InfoJsonTest, FileThatWasNotClosedIsListedAndSaysWhyItDoesNotOpen)
     FileRecipe file;
     file.closed = false;
     file.stacks = {plain_stack<std::uint8_t>({1}, 1, {1})};
-    const Json document = info_of(build_vbf(file));
+    const ParsedJson document = info_of(build_vbf(file));
     EXPECT_EQ(document["meta_data_pos"], 0);
     EXPECT_EQ(document["open"], "Failed reading 1095517526 bytes from file!");
     EXPECT_EQ(document["stacks"].size(), 1u);
@@ -207,7 +207,7 @@ TEST_F(InfoJsonTest, CutDictionarySaysWhyTheFileDoesNotOpen)
 {
     Bytes file = build_vbf(plain_stack<std::uint8_t>({1}, 1, {1}));
     file.pop_back();
-    const Json document = info_of(file);
+    const ParsedJson document = info_of(file);
     EXPECT_EQ(document["open"], "Failed reading 4 bytes from file!");
     EXPECT_EQ(document["stacks"].size(), 1u);
 }
@@ -216,7 +216,7 @@ TEST_F(InfoJsonTest, DictionaryBeyondAnyPositionSaysThatTheFileDoesNotOpen)
 {
     ByteWriter writer{build_vbf(plain_stack<std::uint8_t>({1}, 1, {1}))};
     writer.set<std::uint64_t>(26, 0x8000000000000000u);
-    const Json document = info_of(writer.bytes);
+    const ParsedJson document = info_of(writer.bytes);
     EXPECT_EQ(document["meta_data_pos"], 0x8000000000000000u);
     EXPECT_EQ(document["open"], "Failed reading 1095517526 bytes from file!");
 }

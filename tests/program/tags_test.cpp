@@ -2,7 +2,7 @@
 #include "transfer_test.h"
 
 using namespace vela_test;
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 namespace {
 
@@ -32,9 +32,9 @@ TEST_F(TagsTest, OneIsWrittenAsItIsStored)
 
 TEST_F(TagsTest, JsonIsAnObject)
 {
-    EXPECT_EQ(Json::parse(output_of({"tags", tagged(), "0", "--json"})),
-              Json({{"a", "caf\xef\xbf\xbd"}, {"b", "two\nlines"}}));
-    EXPECT_EQ(Json::parse(output_of({"tags", tagged(), "0", "b", "--json"})), Json({{"b", "two\nlines"}}));
+    EXPECT_EQ(ParsedJson::parse(output_of({"tags", tagged(), "0", "--json"})),
+              ParsedJson({{"a", "caf\xef\xbf\xbd"}, {"b", "two\nlines"}}));
+    EXPECT_EQ(ParsedJson::parse(output_of({"tags", tagged(), "0", "b", "--json"})), ParsedJson({{"b", "two\nlines"}}));
 }
 
 TEST_F(TagsTest, MissingKeyAndStackFail)

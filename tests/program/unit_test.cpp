@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 using namespace vela_test;
-using Json = nlohmann::ordered_json;
+using ParsedJson = nlohmann::ordered_json;
 
 namespace {
 
@@ -15,11 +15,11 @@ class UnitTest : public ProgramTest
 {
 protected:
     /// Parsed strictly: a document that is no UTF-8 or has text behind it fails.
-    Json unit(std::vector<std::string> arguments) const
+    ParsedJson unit(std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), "unit");
         arguments.push_back("--json");
-        return Json::parse(output_of(arguments));
+        return ParsedJson::parse(output_of(arguments));
     }
 
     void expect_unit_failure(const std::vector<std::string>& arguments, const std::string& message) const
@@ -81,7 +81,7 @@ TEST_F(UnitTest, JsonHoldsAllFormsByTheirFlags)
       "formats": ["2.500e3ohm", "2.500e3 ohm", "2.500kohm", "2.500 kohm",
                   "2.500e3ohm", "2.500e3 ohm", "2.500kohm", "2.500 kohm"]
     })";
-    EXPECT_EQ(unit({"2.5 kV/A", "--in", "ohm"}).dump(), Json::parse(document).dump());
+    EXPECT_EQ(unit({"2.5 kV/A", "--in", "ohm"}).dump(), ParsedJson::parse(document).dump());
 }
 
 TEST_F(UnitTest, JsonOfAPlainNumber)
@@ -92,12 +92,12 @@ TEST_F(UnitTest, JsonOfAPlainNumber)
       "exponents": {},
       "formats": ["0.2500", "0.2500 ", "0.2500", "0.2500 ", "0.2500", "0.2500 ", "250.0m", "0.2500 "]
     })";
-    EXPECT_EQ(unit({"0.25"}).dump(), Json::parse(document).dump());
+    EXPECT_EQ(unit({"0.25"}).dump(), ParsedJson::parse(document).dump());
 }
 
 TEST_F(UnitTest, NumbersThatAreNotFiniteAreNullInJson)
 {
-    const Json result = unit({"1e999 m", "--in", "mm"});
+    const ParsedJson result = unit({"1e999 m", "--in", "mm"});
     EXPECT_TRUE(result["number"].is_null());
     EXPECT_TRUE(result["in"]["number"].is_null());
     EXPECT_EQ(result["formats"][0], "infe0m");

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 using namespace vela_test;
-using Json = nlohmann::json;
+using ParsedJson = nlohmann::json;
 
 namespace {
 
@@ -132,8 +132,8 @@ TEST_F(VerifyTest, SmallFilesAreInOrder)
 
 TEST_F(VerifyTest, JsonOfAFileInOrder)
 {
-    EXPECT_EQ(Json::parse(output_of({"verify", VELA_GOLGI_FILE, "--json"})),
-              Json::parse(R"({"ok": true, "stacks": 1, "size_samples": 1006950, "flush_points": 5, "findings": [],
+    EXPECT_EQ(ParsedJson::parse(output_of({"verify", VELA_GOLGI_FILE, "--json"})),
+              ParsedJson::parse(R"({"ok": true, "stacks": 1, "size_samples": 1006950, "flush_points": 5, "findings": [],
                               "not_listed": 0})"));
 }
 
@@ -143,12 +143,12 @@ TEST_F(VerifyTest, JsonSaysWhereSomethingIsWrong)
     writer.set<std::uint64_t>(small_footer_pos + 1432, 77);
     const RunResult result = run({"verify", put(writer.bytes), "--json"});
     EXPECT_EQ(result.status, 1);
-    const Json report = Json::parse(result.out);
+    const ParsedJson report = ParsedJson::parse(result.out);
     EXPECT_EQ(report["ok"], false);
-    EXPECT_EQ(report["findings"][0], Json({{"severity", "wrong"},
-                                           {"stack", 0},
-                                           {"position", small_footer_pos + 1432},
-                                           {"text", "stack_end_pos is 77, the stack ends at 1864"}}));
+    EXPECT_EQ(report["findings"][0], ParsedJson({{"severity", "wrong"},
+                                                 {"stack", 0},
+                                                 {"position", small_footer_pos + 1432},
+                                                 {"text", "stack_end_pos is 77, the stack ends at 1864"}}));
 }
 
 TEST_F(VerifyTest, FileThatIsNoVbfFileIsWrong)

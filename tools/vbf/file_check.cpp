@@ -26,10 +26,10 @@ constexpr std::uint32_t newest_stack_version = 5;
 constexpr std::int32_t best_level = 9;
 constexpr std::size_t max_document_bytes = std::size_t{16} * 1024 * 1024;
 
-class Inspection
+class FileInspection
 {
 public:
-    Inspection(VFile& in_file, Inspected& in_result)
+    FileInspection(VFile& in_file, Inspected& in_result)
         : file(in_file), reader(in_file), result(in_result), findings(in_result.findings),
           progress("verifying", 2 * reader.get_file_size())
     {
@@ -279,7 +279,7 @@ void inspect_dbl(const std::string& path, Inspected& result)
 void inspect_vbf(const std::string& path, Inspected& result)
 {
     VFile file = open_bytes(path, VFile::read_mode);
-    Inspection(file, result).run();
+    FileInspection(file, result).run();
 }
 
 } // namespace

@@ -53,10 +53,10 @@ static_assert(offsetof(Footer, data_units) == 128, "on-disk offset");
 static_assert(offsetof(Footer, flush_point_count) == 1408, "on-disk offset");
 
 /// One footer with what is known of its stack.
-class Inspection
+class FooterInspection
 {
 public:
-    Inspection(RecordReader& in_reader, const VBFStackHeader& in_header, Findings& in_findings)
+    FooterInspection(RecordReader& in_reader, const VBFStackHeader& in_header, Findings& in_findings)
         : reader(in_reader), header(in_header), sizes(StackShape(in_header).sizes), findings(in_findings),
           start(in_reader.tell())
     {
@@ -247,7 +247,7 @@ FooterParts inspect_footer(RecordReader& reader, const VBFStackHeader& header, F
 {
     if (header.format_version == 0)
         return {};
-    return Inspection(reader, header, findings).run();
+    return FooterInspection(reader, header, findings).run();
 }
 
 FooterParts read_footer_parts(RecordReader& reader, const VBFChainEntry& stack)

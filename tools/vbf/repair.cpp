@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr std::uint64_t chunk_bytes = std::uint64_t{1024} * 1024;
+constexpr std::uint64_t copy_chunk_bytes = std::uint64_t{1024} * 1024;
 
 /// Puts what `patch` has of the bytes from `position` on into `chunk`.
 void apply(const Patch& patch, std::uint64_t position, std::vector<char>& chunk)
@@ -38,7 +38,7 @@ void write_copy(VFile& file, const RepairPlan& plan, Output& output)
     std::vector<char> chunk;
     for (std::uint64_t position = 0; position < file_size; position += chunk.size())
     {
-        chunk.resize(std::min(chunk_bytes, file_size - position));
+        chunk.resize(std::min(copy_chunk_bytes, file_size - position));
         file.read(chunk.data(), chunk.size());
         for (const Patch& patch : plan.patches)
             apply(patch, position, chunk);

@@ -60,11 +60,11 @@ private:
     std::uint64_t filled_bytes = 0;
 };
 
-class Inspection
+class SamplesInspection
 {
 public:
-    Inspection(VFile& in_file, const VBFChainEntry& in_stack, std::uint64_t in_size_bytes, Findings& in_findings,
-               Progress& in_progress)
+    SamplesInspection(VFile& in_file, const VBFChainEntry& in_stack, std::uint64_t in_size_bytes, Findings& in_findings,
+                      Progress& in_progress)
         : file(in_file), begin(in_stack.data_pos), end(in_stack.data_pos + in_stack.header.data_length_on_disk),
           size_bytes(in_size_bytes), findings(in_findings), progress(in_progress)
     {
@@ -226,7 +226,7 @@ std::uint64_t inspect_samples(VFile& file, const VBFChainEntry& stack, const Flu
     const std::optional<std::uint64_t> size_bytes = samples_bytes(stack, findings);
     if (!size_bytes || stack.header.data_length_on_disk == 0)
         return 0;
-    Inspection inspection(file, stack, *size_bytes, findings, progress);
+    SamplesInspection inspection(file, stack, *size_bytes, findings, progress);
     if (stack.header.compression_type == 1 && stack.header.compression_level > 0)
         inspection.compressed(table);
     else

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::uint64_t chunk_bytes = std::uint64_t{4} * 1024 * 1024;
+constexpr std::uint64_t copy_step_bytes = std::uint64_t{4} * 1024 * 1024;
 
 /// What `create` does not take over from another description, and the tags. The library answers a unit for axes without one,
 /// which must not become theirs.
@@ -52,7 +52,7 @@ void copy_samples(VBFStackInterface& source, VBFStackInterface& target, Progress
 {
     const vela_dt type = source.get_dt();
     const std::uint64_t sample_bytes = size_of(type);
-    const std::uint64_t chunk = std::max<std::uint64_t>(chunk_bytes / std::max<std::uint64_t>(sample_bytes, 1), 1);
+    const std::uint64_t chunk = std::max<std::uint64_t>(copy_step_bytes / std::max<std::uint64_t>(sample_bytes, 1), 1);
     std::vector<unsigned char> samples;
     std::uint64_t left = source.get_number_of_elements();
     for (std::uint64_t pos = 0; left != 0;)
