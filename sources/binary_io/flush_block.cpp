@@ -57,13 +57,13 @@ std::uint64_t choose_flush_block(const std::vector<std::uint64_t>& sizes, std::u
     if (wish != any_flush_block)
         return wish;
     std::uint64_t block = sample_size;
-    for (const std::uint64_t size : sizes)
+    std::uint64_t last_size = 1;
+    for (auto size = sizes.begin(); block < smallest_block && size != sizes.end(); ++size)
     {
-        block *= size;
-        if (block >= smallest_block)
-            return block <= largest_block ? block : split(block, size);
+        last_size = *size;
+        block *= last_size;
     }
-    return block;
+    return block <= largest_block ? block : split(block, last_size);
 }
 
 } // namespace Vela::detail
