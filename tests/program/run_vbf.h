@@ -22,10 +22,12 @@ struct RunResult
     std::string err;
 };
 
-/// Starts the program with its standard output on `out_descriptor` and its standard error in `err_path`.
-inline int run_vbf_into(const std::vector<std::string>& arguments, int out_descriptor, const std::string& err_path)
+/// Runs a program with its standard output on `out_descriptor` and its standard error in `err_path`. Gives its exit status,
+/// -1 where a signal ended it.
+inline int run_program_into(const char* program, const std::vector<std::string>& arguments, int out_descriptor,
+                            const std::string& err_path)
 {
-    std::vector<std::string> texts = {VELA_VBF_PROGRAM};
+    std::vector<std::string> texts = {program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& text : texts)
@@ -37,7 +39,7 @@ inline int run_vbf_into(const std::vector<std::string>& arguments, int out_descr
     posix_spawn_file_actions_adddup2(&actions, out_descriptor, STDOUT_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     pid_t child = 0;
-    const int error = posix_spawn(&child, VELA_VBF_PROGRAM, &actions, nullptr, argv.data(), environ);
+    const int error = posix_spawn(&child, program, &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0)
         throw std::runtime_error("cannot start the program");
@@ -45,6 +47,11 @@ inline int run_vbf_into(const std::vector<std::string>& arguments, int out_descr
     if (waitpid(child, &status, 0) != child)
         throw std::runtime_error("cannot wait for the program");
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+inline int run_vbf_into(const std::vector<std::string>& arguments, int out_descriptor, const std::string& err_path)
+{
+    return run_program_into(VELA_VBF_PROGRAM, arguments, out_descriptor, err_path);
 }
 
 /// A test that runs the program and looks at all that it leaves behind.
