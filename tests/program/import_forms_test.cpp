@@ -129,3 +129,23 @@ TEST_F(ImportFormsTest, WhatSamplesMeanIsToldWhereItIsLeftOut)
     expect_remark(recipe, "the description is not in keeping with the 1 pages, which become the axis Z; "
                           "0 stays 0, though it means white; the pixels are not turned to orientation 6");
 }
+
+TEST_F(ImportFormsTest, PathsInBracketsAreNoLists)
+{
+    const std::filesystem::path before = std::filesystem::current_path();
+    tiff(ramp(1), "[a,b]");
+    tiff(ramp(2), "[b,c].tif");
+    std::filesystem::current_path(std::filesystem::path(path("out.vbf")).parent_path());
+    output_of({"import", "[a,b]", "[b,c].tif", "[out,x]", "--name", "[n,m]", "--tag", "key=[1,2]", "--label", "[x,y]"});
+    output_of({"append", "[out,x]", "[a,b]", "[b,c].tif"});
+    output_of({"append", "[out,x]", "--level", "3", "--", "[a,b]"});
+    const nlohmann::json listed = info("[out,x]")["stacks"];
+    std::filesystem::current_path(before);
+    ASSERT_EQ(listed.size(), 5u);
+    EXPECT_EQ(listed[0]["name"], "[n,m]");
+    EXPECT_EQ(listed[0]["tags"], nlohmann::json({{"key", "[1,2]"}}));
+    EXPECT_EQ(listed[0]["axes"][0]["label"], "[x");
+    EXPECT_EQ(listed[2]["name"], "[a,b]");
+    EXPECT_EQ(listed[3]["sizes"], nlohmann::json({4, 2, 2}));
+    EXPECT_EQ(listed[4]["compression_level"], 3);
+}
