@@ -1,7 +1,8 @@
 #include "arguments.h"
 
+#include "text.h"
+
 #include <algorithm>
-#include <charconv>
 
 namespace {
 
@@ -28,12 +29,10 @@ bool is_bracketed(const std::string& argument)
 
 std::uint64_t parse_number(const std::string& name, const std::string& text)
 {
-    std::uint64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const std::from_chars_result result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end)
+    const std::optional<std::uint64_t> number = number_in(text);
+    if (!number)
         throw CLI::ValidationError(name, "'" + text + "' is no number from 0 to 18446744073709551615");
-    return number;
+    return *number;
 }
 
 std::vector<std::string> split(const std::string& list)

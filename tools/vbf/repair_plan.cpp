@@ -2,6 +2,7 @@
 
 #include "chain_check.h"
 #include "extents.h"
+#include "file_magic.h"
 #include "old_dictionary.h"
 
 #include <Json/SignalingReference.h>
@@ -18,8 +19,6 @@
 
 namespace {
 
-constexpr char whole_magic[] = "VELA_BF\n\xff\xff";
-constexpr std::size_t magic_bytes = sizeof VBFFileHeader::magic;
 constexpr char stack_magic[] = "VELA_BF_STACK\n\xff\xff";
 constexpr std::size_t stack_magic_bytes = sizeof VBFStackHeader::magic;
 
@@ -99,7 +98,7 @@ public:
         if (overwritten || !old.whole)
             mend_dictionary(old);
         if (overwritten)
-            add({0, std::string(whole_magic, magic_bytes)},
+            add({0, std::string(file_magic)},
                 "The start of the file was overwritten when stacks were appended. It is as it was.");
         return result;
     }
@@ -111,8 +110,8 @@ private:
     bool is_overwritten() const
     {
         const bool rest_is_magic =
-            std::memcmp(header.magic + sizeof number_in_magic, whole_magic + sizeof number_in_magic,
-                        magic_bytes - sizeof number_in_magic) == 0;
+            std::memcmp(header.magic + sizeof number_in_magic, file_magic.data() + sizeof number_in_magic,
+                        file_magic.size() - sizeof number_in_magic) == 0;
         return rest_is_magic && has_dictionary() && number_in_magic >= header_end && number_in_magic <= file_size;
     }
 
