@@ -234,7 +234,12 @@ TEST_F(LimitsTest, StartThatIsNotMendedIsSaidAndMendedByRepair)
                            "Failed writing 4 bytes to file! (File too large)");
     }
     EXPECT_EQ(run({"read", file, "0"}).status, 1);
-    output_of({"repair", file, "--out", path("mended.vbf")});
+    const std::uint64_t old_pos = pos_of_dictionary(path("file.vbf"));
+    EXPECT_THAT(output_of({"repair", file, "--out", path("mended.vbf")}),
+                testing::HasSubstr("The OME document is that of the append. The one before is another one, it stays in "
+                                   "the dictionary at " +
+                                   std::to_string(old_pos) + ", which is no longer read.\n"));
+    EXPECT_EQ(pairs_of(path("mended.vbf"))["z"], "more");
     EXPECT_TRUE(in_order(path("mended.vbf")));
     EXPECT_EQ(samples(path("mended.vbf"), "0"), ramp(1).pages[0]);
     EXPECT_EQ(info(path("mended.vbf"))["stacks"].size(), 2u);
