@@ -58,9 +58,17 @@ void mend_after_failure(const std::string& path, const VBFDictionary& pairs, std
     }
 }
 
+/// The library appends at the end of the file, and what is missing of a stack that is cut off would be read from there.
+void check_whole(const std::string& path)
+{
+    VFile file = open_bytes(path, VFile::read_mode);
+    plan_repair(file);
+}
+
 /// Opens the file, lets `add` add stacks, and closes it, so that it opens again.
 void append(const std::string& path, const std::function<void(VBFFileInterface&)>& add)
 {
+    check_whole(path);
     const SourceNotes notes = read_notes(path); // the library does not read the document, and writes a new one
     VBFFile file = open_vbf(path, VFile::append_mode);
     const std::uint64_t old_size_bytes = std::filesystem::file_size(path);
