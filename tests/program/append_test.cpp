@@ -84,6 +84,19 @@ TEST_F(AppendTest, FileThatDoesNotOpenIsLeftAlone)
     EXPECT_EQ(get_bytes(file), bytes);
 }
 
+TEST_F(AppendTest, NothingIsWrittenIntoThePlaceOfWhatIsMissing)
+{
+    for (const std::string name : {"plain_cut.vbf", "version0_cut.vbf"}) // both open
+    {
+        const Bytes bytes = get_bytes(VELA_TEST_DATA "/hostile/" + name);
+        const std::string file = put(bytes);
+        EXPECT_EQ(run({"append", file, tiff(ramp(1))}).status, 1) << name;
+        EXPECT_THAT(messages(),
+                    testing::StartsWith("vbf: The file is cut off or damaged, stack 0 is not whole: byte 395, "));
+        EXPECT_TRUE(get_bytes(file) == bytes) << name;
+    }
+}
+
 TEST_F(AppendTest, PairsOfAnotherWriterAreKept)
 {
     const std::string file = vbf(ramp(1), "file.vbf");

@@ -25,7 +25,10 @@ struct TiffRecipe
     std::uint32_t rows_per_strip = 2;
     bool planar = false; ///< each sample of the pixels in a plane of its own; `pages` has the planes behind each other
     bool big_endian = false;
-    bool big_tiff = false; ///< with positions of 64 bits
+    bool big_tiff = false;                              ///< with positions of 64 bits
+    std::uint16_t photometric = PHOTOMETRIC_MINISBLACK; ///< of one sample a pixel
+    std::uint16_t orientation = 0;                      ///< 0: the file does not say
+    std::uint32_t depth = 0;                            ///< 0: the file does not say
     std::string description;
     float resolution = 0; ///< in pixels per unit
 };
@@ -38,9 +41,9 @@ inline void require(bool good)
         throw std::runtime_error("cannot write the TIFF file");
 }
 
-inline void put_tiles(TIFF* file, const TiffRecipe& recipe, Bytes page)
+inline void put_tiles(TIFF* file, const TiffRecipe& recipe, const Bytes& page, std::uint16_t plane)
 {
-    const std::size_t pixel = recipe.bits / 8u * recipe.samples_per_pixel;
+    const std::size_t pixel = recipe.bits / 8u * (recipe.planar ? 1u : recipe.samples_per_pixel);
     for (std::uint32_t top = 0; top < recipe.height; top += recipe.tile)
     {
         for (std::uint32_t left = 0; left < recipe.width; left += recipe.tile)
@@ -49,24 +52,19 @@ inline void put_tiles(TIFF* file, const TiffRecipe& recipe, Bytes page)
             for (std::uint32_t y = top; y < std::min(top + recipe.tile, recipe.height); ++y)
             {
                 for (std::uint32_t x = left; x < std::min(left + recipe.tile, recipe.width); ++x)
-                    std::copy_n(&page[(y * recipe.width + x) * pixel], pixel,
+                    std::copy_n(&page[((plane * recipe.height + y) * recipe.width + x) * pixel], pixel,
                                 &tile[((y - top) * recipe.tile + x - left) * pixel]);
             }
-            require(TIFFWriteTile(file, tile.data(), left, top, 0, 0) >= 0);
+            require(TIFFWriteTile(file, tile.data(), left, top, 0, plane) >= 0);
         }
     }
 }
 
-inline void put_rows(TIFF* file, const TiffRecipe& recipe, Bytes page)
+inline void put_rows(TIFF* file, const TiffRecipe& recipe, Bytes page, std::uint16_t plane)
 {
     const std::size_t row_bytes = page.size() / recipe.height / (recipe.planar ? recipe.samples_per_pixel : 1u);
-    const std::uint16_t planes = recipe.planar ? recipe.samples_per_pixel : std::uint16_t{1};
-    for (std::uint16_t plane = 0; plane < planes; ++plane)
-    {
-        for (std::uint32_t y = 0; y < recipe.height; ++y)
-            require(TIFFWriteScanline(file, &page[(std::size_t{plane} * recipe.height + y) * row_bytes], y, plane) ==
-                    1);
-    }
+    for (std::uint32_t y = 0; y < recipe.height; ++y)
+        require(TIFFWriteScanline(file, &page[(std::size_t{plane} * recipe.height + y) * row_bytes], y, plane) == 1);
 }
 
 } // namespace detail
@@ -84,8 +82,7 @@ inline void put_tiff(const std::string& path, const TiffRecipe& recipe)
         TIFFSetField(file, TIFFTAG_SAMPLESPERPIXEL, recipe.samples_per_pixel);
         TIFFSetField(file, TIFFTAG_SAMPLEFORMAT, recipe.sample_format);
         TIFFSetField(file, TIFFTAG_COMPRESSION, recipe.compression);
-        TIFFSetField(file, TIFFTAG_PHOTOMETRIC,
-                     recipe.samples_per_pixel == 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(file, TIFFTAG_PHOTOMETRIC, recipe.samples_per_pixel == 3 ? PHOTOMETRIC_RGB : recipe.photometric);
         TIFFSetField(file, TIFFTAG_PLANARCONFIG, recipe.planar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
         if (recipe.tile != 0)
         {
@@ -101,7 +98,14 @@ inline void put_tiff(const std::string& path, const TiffRecipe& recipe)
             TIFFSetField(file, TIFFTAG_XRESOLUTION, static_cast<double>(recipe.resolution));
             TIFFSetField(file, TIFFTAG_YRESOLUTION, static_cast<double>(recipe.resolution));
         }
-        recipe.tile != 0 ? detail::put_tiles(file, recipe, page) : detail::put_rows(file, recipe, page);
+        if (recipe.orientation != 0)
+            TIFFSetField(file, TIFFTAG_ORIENTATION, recipe.orientation);
+        if (recipe.depth != 0)
+            TIFFSetField(file, TIFFTAG_IMAGEDEPTH, recipe.depth);
+        const std::uint16_t planes = recipe.planar ? recipe.samples_per_pixel : std::uint16_t{1};
+        for (std::uint16_t plane = 0; plane < planes; ++plane)
+            recipe.tile != 0 ? detail::put_tiles(file, recipe, page, plane)
+                             : detail::put_rows(file, recipe, page, plane);
         detail::require(TIFFWriteDirectory(file) == 1);
     }
     TIFFClose(file);

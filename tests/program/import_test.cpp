@@ -383,7 +383,9 @@ TEST_F(ImportTest, PalettesAreLeftOut)
     Bytes row = {2, 1, 255};
     TIFFWriteScanline(palette, row.data(), 0, 0);
     TIFFClose(palette);
-    output_of({"import", file, out()});
+    const RunResult result = run({"import", file, out()});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "vbf: '" + file + "': the palette is left out\n");
     EXPECT_EQ(info()["stacks"][0]["sizes"], ParsedJson({3, 1}));
     EXPECT_EQ(samples(), (Bytes{2, 1, 255}));
 }

@@ -128,6 +128,17 @@ TEST_F(OlderFileTest, KeepsItsPermissionsAndItsLinks)
     EXPECT_EQ(status.st_mode & 0777u, 0600u);
 }
 
+TEST_F(OlderFileTest, LinkToAFileThatIsNotThereYetIsFollowed)
+{
+    std::filesystem::create_directory(path("folder"));
+    std::filesystem::create_symlink("folder/second", path("first"));
+    std::filesystem::create_symlink("file.vbf", path("folder/second"));
+    output_of({"import", tiff(ramp(3)), path("first")});
+    EXPECT_TRUE(std::filesystem::is_symlink(path("first")));
+    EXPECT_TRUE(std::filesystem::is_symlink(path("folder/second")));
+    EXPECT_EQ(samples(path("folder/file.vbf")).size(), 48u);
+}
+
 TEST_F(OlderFileTest, ThatIsInUseStays)
 {
     const std::string file = vbf(ramp(1), "file.vbf");

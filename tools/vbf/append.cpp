@@ -7,10 +7,13 @@
 #include "repair_plan.h"
 #include "stack_copy.h"
 #include "tiff_stacks.h"
+#include "unfinished.h"
 
 #include <VelaBase/VelaError.h>
 #include <VelaBinaryIO/VBFFile.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 
@@ -37,12 +40,17 @@ void mend_start(const std::string& path, const VBFDictionary& pairs)
     }
 }
 
-/// The same behind a failure, which is the one to be told at last.
-void mend_start_after_failure(const std::string& path, const VBFDictionary& pairs)
+/// The same behind a failure, which is the one to be told at last. Of stacks that are not finished nothing stays.
+void mend_after_failure(const std::string& path, const VBFDictionary& pairs, std::uint64_t old_size_bytes)
 {
     try
     {
         mend_start(path, pairs);
+        remove_unfinished(path, old_size_bytes);
+    }
+    catch (const VelaError& error)
+    {
+        report(message_of(error));
     }
     catch (const std::exception& error)
     {
@@ -50,11 +58,20 @@ void mend_start_after_failure(const std::string& path, const VBFDictionary& pair
     }
 }
 
+/// The library appends at the end of the file, and what is missing of a stack that is cut off would be read from there.
+void check_whole(const std::string& path)
+{
+    VFile file = open_bytes(path, VFile::read_mode);
+    plan_repair(file);
+}
+
 /// Opens the file, lets `add` add stacks, and closes it, so that it opens again.
 void append(const std::string& path, const std::function<void(VBFFileInterface&)>& add)
 {
+    check_whole(path);
     const SourceNotes notes = read_notes(path); // the library does not read the document, and writes a new one
     VBFFile file = open_vbf(path, VFile::append_mode);
+    const std::uint64_t old_size_bytes = std::filesystem::file_size(path);
     try
     {
         if (notes.creator)
@@ -67,7 +84,7 @@ void append(const std::string& path, const std::function<void(VBFFileInterface&)
     catch (...)
     {
         file.reset(); // closes it if all stacks are finished
-        mend_start_after_failure(path, notes.dictionary);
+        mend_after_failure(path, notes.dictionary, old_size_bytes);
         throw;
     }
     mend_start(path, notes.dictionary);

@@ -20,5 +20,7 @@ struct AppendOptions
 /// fails on the way. If the process dies in between, `vbf repair` does.
 ///
 /// @throws UsageFailure: neither or both of `images` and `from`, the file itself as source, or options that do not fit.
-/// @throws as `TiffFile` and `VBFFile` do. The stacks that were finished by then are in the file.
+/// @throws as `plan_repair` does: a stack of the file is cut off, for example. The file stays as it was.
+/// @throws as `TiffFile` and `VBFFile` do. The stacks that were finished by then are in the file, and
+///         nothing of others.
 void append_stacks(const AppendOptions& options);

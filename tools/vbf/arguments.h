@@ -26,6 +26,11 @@ CLI::Option* add_number(CLI::App& command, const std::string& name, Target& targ
 CLI::Option* add_list(CLI::App& command, const std::string& name, std::vector<std::string>& target,
                       const std::string& description);
 
+/// The arguments of the command line behind the program's name.
+///
+/// CLI11 takes "[a,b]" for a list where a command has paths without end; so such a path becomes "./[a,b]", which is the same.
+std::vector<std::string> arguments_of(const CLI::App& app, int argc, const char* const* argv);
+
 /// The argument FILE.
 void add_file(CLI::App& command, std::string& path);
 

@@ -1,8 +1,8 @@
 #include "box.h"
 
 #include "failure.h"
+#include "text.h"
 
-#include <charconv>
 #include <optional>
 #include <stdexcept>
 
@@ -17,10 +17,8 @@ std::optional<std::uint64_t> parse_bound(const std::string& bound, const std::st
 {
     if (bound.empty())
         return std::nullopt;
-    std::uint64_t number = 0;
-    const char* const end = bound.data() + bound.size();
-    const std::from_chars_result result = std::from_chars(bound.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end)
+    const std::optional<std::uint64_t> number = number_in(bound);
+    if (!number)
         refuse(text);
     return number;
 }

@@ -41,7 +41,7 @@ public:
     TiffWriter(NewFile& in_place, const std::string& out_path, std::uint64_t size_bytes)
         : place(in_place), path(out_path)
     {
-        file = open_tiff(place.create(), size_bytes < max_classic_bytes ? "w" : "w8", message);
+        file = open_tiff(place.create(), size_bytes < max_classic_bytes ? "w" : "w8", messages);
         if (!file)
             fail();
     }
@@ -79,9 +79,9 @@ public:
 
     void finish()
     {
-        message.clear();
+        messages.error.clear();
         file.reset();
-        if (!message.empty())
+        if (!messages.error.empty())
             fail();
         place.finish();
     }
@@ -89,12 +89,12 @@ public:
 private:
     [[noreturn]] void fail() const
     {
-        throw std::runtime_error("Cannot write '" + path + "'" + (message.empty() ? "" : ": " + message));
+        throw std::runtime_error("Cannot write '" + path + "'" + (messages.error.empty() ? "" : ": " + messages.error));
     }
 
     NewFile& place;
     const std::string path;
-    std::string message;
+    TiffMessages messages;
     TiffHandle file;
 };
 

@@ -2,6 +2,7 @@
 //
 // Data go to standard output, messages to standard error.
 // Exit status: 0 done, 1 failed, 2 wrong usage.
+#include "arguments.h"
 #include "commands.h"
 #include "failure.h"
 
@@ -10,6 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <new>
@@ -52,7 +54,9 @@ int run(int argc, char** argv)
         commands.push_back(std::move(command));
     try
     {
-        app.parse(argc, argv);
+        std::vector<std::string> arguments = arguments_of(app, argc, argv);
+        std::reverse(arguments.begin(), arguments.end()); // CLI11 takes them from the end
+        app.parse(std::move(arguments));
     }
     catch (const CLI::ParseError& error)
     {

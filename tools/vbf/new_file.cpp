@@ -13,11 +13,23 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// A file that is not there yet.
+std::string named_by_links(fs::path path)
+{
+    constexpr int most_links = 40; // as many as the system follows
+    std::error_code missing;
+    for (int i = 0; i < most_links && fs::is_symlink(path, missing); ++i)
+        path = path.parent_path() / fs::read_symlink(path, missing);
+    return path.string();
+}
+
 std::string behind_links(const std::string& path)
 {
     std::error_code missing;
     const fs::path found = fs::is_symlink(path, missing) ? fs::canonical(path, missing) : fs::path();
-    return found.empty() ? path : found.string();
+    if (!found.empty())
+        return found.string();
+    return fs::exists(fs::status(path, missing)) ? path : named_by_links(path);
 }
 
 /// Only regular files can give way to another one.

@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "file_dictionary.h"
+#include "file_magic.h"
 #include "file_name.h"
 #include "open_file.h"
 
@@ -12,8 +13,6 @@
 #include <iterator>
 
 namespace {
-
-constexpr char magic[] = "VELA_BF\n\xff\xff";
 
 /// An older file is overwritten only if that is what it is: who forgets to name the output names an image last. An empty one
 /// holds nothing that could be lost.
@@ -35,7 +34,7 @@ void check_older_file(const std::string& path)
         refuse();
     file.seek(0);
     file.read_value(header);
-    if (!std::equal(std::begin(header.magic), std::end(header.magic), std::begin(magic)))
+    if (!std::equal(std::begin(header.magic), std::end(header.magic), file_magic.begin()))
         refuse();
 }
 

@@ -2,6 +2,7 @@
 
 #include "chain_check.h"
 #include "extents.h"
+#include "file_magic.h"
 #include "old_dictionary.h"
 
 #include <Json/SignalingReference.h>
@@ -18,8 +19,6 @@
 
 namespace {
 
-constexpr char whole_magic[] = "VELA_BF\n\xff\xff";
-constexpr std::size_t magic_bytes = sizeof VBFFileHeader::magic;
 constexpr char stack_magic[] = "VELA_BF_STACK\n\xff\xff";
 constexpr std::size_t stack_magic_bytes = sizeof VBFStackHeader::magic;
 
@@ -99,7 +98,7 @@ public:
         if (overwritten || !old.whole)
             mend_dictionary(old);
         if (overwritten)
-            add({0, std::string(whole_magic, magic_bytes)},
+            add({0, std::string(file_magic)},
                 "The start of the file was overwritten when stacks were appended. It is as it was.");
         return result;
     }
@@ -111,8 +110,8 @@ private:
     bool is_overwritten() const
     {
         const bool rest_is_magic =
-            std::memcmp(header.magic + sizeof number_in_magic, whole_magic + sizeof number_in_magic,
-                        magic_bytes - sizeof number_in_magic) == 0;
+            std::memcmp(header.magic + sizeof number_in_magic, file_magic.data() + sizeof number_in_magic,
+                        file_magic.size() - sizeof number_in_magic) == 0;
         return rest_is_magic && has_dictionary() && number_in_magic >= header_end && number_in_magic <= file_size;
     }
 
@@ -147,7 +146,10 @@ private:
         const bool is_named = overwritten && number_in_magic >= end_of_stacks;
         const FoundDictionary appended = is_named ? dictionary_at(number_in_magic) : FoundDictionary();
         if (appended.whole)
+        {
+            tell_other_document(old, appended);
             return lead_to(number_in_magic);
+        }
         const bool something_is_last = end_of_stacks < file_size && !is_stack_at(end_of_stacks);
         const FoundDictionary last = something_is_last ? find_dictionary(file, end_of_stacks) : FoundDictionary();
         if (last.whole && last.end == file_size)
@@ -164,6 +166,19 @@ private:
             write_new(last.pairs, true);
         else
             write_new(old.pairs, old_is_cut || appended_is_cut || last_is_cut);
+    }
+
+    /// An append through the library writes a document of its own, and keeps the other pairs.
+    void tell_other_document(const FoundDictionary& old, const FoundDictionary& appended)
+    {
+        const auto before = old.pairs.find("ome_xml");
+        const auto now = appended.pairs.find("ome_xml");
+        const bool both = old.whole && before != old.pairs.end() && now != appended.pairs.end();
+        if (both && before->second != now->second)
+            result.done.push_back(
+                "The OME document is that of the append. The one before is another one, it stays in the "
+                "dictionary at " +
+                std::to_string(meta_data_pos) + ", which is no longer read.");
     }
 
     void write_new(const VBFDictionary& pairs, bool others_are_lost)

@@ -133,3 +133,13 @@ std::string terminal_safe(std::string_view text)
     }
     return result;
 }
+
+std::optional<std::uint64_t> number_in(const std::string& text)
+{
+    std::uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const std::from_chars_result result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end)
+        return std::nullopt;
+    return number;
+}

@@ -1,6 +1,8 @@
 /// Texts of files whose bytes nobody has checked, and of numbers.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,3 +16,6 @@ std::string terminal_safe(std::string_view text);
 
 /// The number as short as it can be without loss.
 std::string number_text(double number);
+
+/// Nothing where `text` is no number without sign.
+std::optional<std::uint64_t> number_in(const std::string& text);

@@ -1,10 +1,10 @@
 #include "tiff_data.h"
 
+#include "text.h"
 #include "tiff_layout.h"
 #include "xml_element.h"
 
 #include <array>
-#include <charconv>
 #include <limits>
 #include <optional>
 #include <vector>
@@ -63,16 +63,12 @@ private:
 };
 
 /// Nothing where the attribute is there and is no number.
-std::optional<std::uint64_t> number_in(const XmlElement& element, const std::string& name, std::uint64_t missing)
+std::optional<std::uint64_t> attribute_of(const XmlElement& element, const std::string& name, std::uint64_t missing)
 {
     const std::string* const text = element.find_attribute(name);
     if (text == nullptr)
         return missing;
-    std::uint64_t number = 0;
-    const auto result = std::from_chars(text->data(), text->data() + text->size(), number);
-    if (result.ec != std::errc() || result.ptr != text->data() + text->size())
-        return std::nullopt;
-    return number;
+    return number_in(*text);
 }
 
 bool is_in_this_file(const XmlElement& tiff_data, const std::string& uuid)
@@ -85,11 +81,11 @@ bool is_in_this_file(const XmlElement& tiff_data, const std::string& uuid)
 bool place(const XmlElement& tiff_data, const Walk& walk, std::vector<std::uint64_t>& pages)
 {
     const bool names_page = tiff_data.find_attribute("IFD") != nullptr;
-    const auto page = number_in(tiff_data, "IFD", 0);
-    const auto count = number_in(tiff_data, "PlaneCount", names_page ? 1 : pages.size());
-    const auto z = number_in(tiff_data, "FirstZ", 0);
-    const auto t = number_in(tiff_data, "FirstT", 0);
-    const auto c = number_in(tiff_data, "FirstC", 0);
+    const auto page = attribute_of(tiff_data, "IFD", 0);
+    const auto count = attribute_of(tiff_data, "PlaneCount", names_page ? 1 : pages.size());
+    const auto z = attribute_of(tiff_data, "FirstZ", 0);
+    const auto t = attribute_of(tiff_data, "FirstT", 0);
+    const auto c = attribute_of(tiff_data, "FirstC", 0);
     if (!page || !count || !z || !t || !c)
         return false;
     const auto first = walk.number_of(*z, *t, *c);

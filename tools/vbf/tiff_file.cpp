@@ -48,6 +48,13 @@ std::size_t size_of(vela_dt type)
     return vela_dt_get_size(static_cast<std::uint32_t>(type));
 }
 
+std::uint16_t compression_of(TIFF* file)
+{
+    std::uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(file, TIFFTAG_COMPRESSION, &compression);
+    return compression;
+}
+
 /// How many bytes can become of one; nothing where there is no bound.
 std::optional<std::uint64_t> most_bytes_of_one(std::uint16_t compression)
 {
@@ -153,13 +160,25 @@ private:
 
 TiffFile::TiffFile(const std::string& in_path) : path(in_path)
 {
-    file = open_tiff(path, "r", message);
-    if (!file)
-        fail(message.empty() ? "Cannot read" : message);
+    open();
     read_directory();
+    close();
 }
 
 TiffFile::~TiffFile() = default;
+
+void TiffFile::open()
+{
+    messages = {};
+    file = open_tiff(path, "r", messages);
+    if (!file)
+        fail(messages.error.empty() ? "Cannot read" : messages.error);
+}
+
+void TiffFile::close()
+{
+    file.reset();
+}
 
 void TiffFile::fail(const std::string& text) const
 {
@@ -180,6 +199,7 @@ void TiffFile::read_directory()
         }
         else if (!(next == page))
             fail("page " + std::to_string(offsets.size()) + " is not like the first one");
+        read_meaning();
         offsets.push_back(TIFFCurrentDirOffset(file.get()));
     } while (next_directory());
     if (offsets.empty())
@@ -189,13 +209,13 @@ void TiffFile::read_directory()
 /// False at the end of the chain. libtiff gives no other answer for a chain that breaks off.
 bool TiffFile::next_directory()
 {
-    message.clear();
+    messages = {};
     const bool last = TIFFLastDirectory(file.get()) != 0;
     if (last && has_link())
         return false;
     if (last || TIFFReadDirectory(file.get()) == 0)
         fail("after " + std::to_string(offsets.size()) + " pages the next one cannot be read" +
-             (message.empty() ? "" : ": " + message));
+             (messages.error.empty() ? "" : ": " + messages.error));
     return true;
 }
 
@@ -230,10 +250,9 @@ TiffFile::Page TiffFile::describe_page()
 {
     TIFF* const tiff_file = file.get();
     std::uint16_t bits = 1, sample_format = SAMPLEFORMAT_UINT, samples = 1, planar = PLANARCONFIG_CONTIG;
-    std::uint16_t photometric = PHOTOMETRIC_MINISBLACK, compression = COMPRESSION_NONE;
-    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_COMPRESSION, &compression);
+    std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
     TIFFGetField(tiff_file, TIFFTAG_PHOTOMETRIC, &photometric);
-    if (compression == COMPRESSION_JPEG && photometric == PHOTOMETRIC_YCBCR)
+    if (compression_of(tiff_file) == COMPRESSION_JPEG && photometric == PHOTOMETRIC_YCBCR)
     {
         TIFFSetField(tiff_file, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
         photometric = PHOTOMETRIC_RGB;
@@ -253,6 +272,8 @@ TiffFile::Page TiffFile::describe_page()
     if (result.type == vela_dt_none)
         fail("samples of " + std::to_string(bits) + " bits and format " + std::to_string(sample_format) +
              " are not supported");
+    if (number(TIFFTAG_IMAGEDEPTH, 1) != 1)
+        fail("pages with a depth are not supported");
     if (photometric == PHOTOMETRIC_YCBCR)
         fail("this form of colours is not supported");
     if (result.width == 0 || result.height == 0 || samples == 0)
@@ -274,6 +295,20 @@ void TiffFile::read_texts()
         resolution_y = static_cast<double>(number_y);
 }
 
+/// Samples come as they are stored, whatever they mean. That is no secret.
+void TiffFile::read_meaning()
+{
+    std::uint16_t photometric = PHOTOMETRIC_MINISBLACK, orientation = ORIENTATION_TOPLEFT;
+    TIFFGetField(file.get(), TIFFTAG_PHOTOMETRIC, &photometric);
+    TIFFGetFieldDefaulted(file.get(), TIFFTAG_ORIENTATION, &orientation);
+    if (photometric == PHOTOMETRIC_PALETTE)
+        remarks.insert("the palette is left out");
+    if (photometric == PHOTOMETRIC_MINISWHITE)
+        remarks.insert("0 stays 0, though it means white");
+    if (orientation != ORIENTATION_TOPLEFT)
+        remarks.insert("the pixels are not turned to orientation " + std::to_string(orientation));
+}
+
 std::uint64_t TiffFile::get_plane_bytes() const
 {
     return std::uint64_t{page.width} * page.height * size_of(page.type);
@@ -283,8 +318,6 @@ std::uint64_t TiffFile::get_plane_bytes() const
 bool TiffFile::has_bytes_for(const Page& current) const
 {
     TIFF* const tiff_file = file.get();
-    std::uint16_t compression = COMPRESSION_NONE;
-    TIFFGetFieldDefaulted(tiff_file, TIFFTAG_COMPRESSION, &compression);
     const std::uint64_t file_size = TIFFGetSizeProc(tiff_file)(TIFFClientdata(tiff_file));
     const std::uint32_t count = current.tiled ? TIFFNumberOfTiles(tiff_file) : TIFFNumberOfStrips(tiff_file);
     std::uint64_t sum = 0;
@@ -296,24 +329,29 @@ bool TiffFile::has_bytes_for(const Page& current) const
             return false;
         sum += size_bytes;
     }
-    const std::optional<std::uint64_t> factor = most_bytes_of_one(compression);
+    const std::optional<std::uint64_t> factor = most_bytes_of_one(compression_of(tiff_file));
     return !factor || get_plane_bytes() / *factor * current.samples_per_pixel <= sum;
 }
 
 std::vector<unsigned char> TiffFile::read_plane(std::uint64_t page_index, std::uint32_t sample)
 {
-    message.clear();
-    const auto refuse = [&]
-    { fail("page " + std::to_string(page_index) + " cannot be read" + (message.empty() ? "" : ": " + message)); };
+    if (!file)
+        open();
+    messages = {};
+    const auto refuse = [&](const std::string& reason)
+    { fail("page " + std::to_string(page_index) + " cannot be read" + (reason.empty() ? "" : ": " + reason)); };
     if (TIFFSetSubDirectory(file.get(), offsets.at(page_index)) == 0)
-        refuse();
+        refuse(messages.error);
     const Page current = describe_page(); // strips and tiles may differ from page to page
     if (!(current == page))
-        refuse();
+        refuse(messages.error);
     if (!has_bytes_for(current))
         fail("page " + std::to_string(page_index) + " has fewer bytes than its samples need");
+    messages = {};
     Blocks blocks(file.get(), current, sample);
     if (!blocks.read())
-        refuse();
+        refuse(messages.error);
+    if (compression_of(file.get()) == COMPRESSION_JPEG && !messages.warning.empty())
+        refuse(messages.warning); // the samples behind the damage are made up
     return blocks.take();
 }

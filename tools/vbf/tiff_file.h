@@ -6,10 +6,12 @@
 #include <VelaBase/vela_dt.h>
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
-/// The pages of a TIFF file, which all have one size and one type of samples. Reduced copies of pages are left out.
+/// The pages of a TIFF file, which all have one size and one type of samples. Reduced copies of pages are left out. The file is
+/// open only while its planes are read: a user may have more files than a program can have open.
 ///
 /// Strips and tiles, all compressions that libtiff knows, one or more samples a pixel; whole numbers of 8, 16 and 32 bits,
 /// floating point of 32 and 64 bits, and complex ones of these.
@@ -36,6 +38,9 @@ public:
     /// The description of the first page; empty where it has none.
     const std::string& get_description() const { return description; }
 
+    /// What the file says of its samples that does not become part of them.
+    const std::set<std::string>& get_remarks() const { return remarks; }
+
     /// Pixels of the first page per unit, 0 where it does not say.
     double get_resolution_x() const { return resolution_x; }
     double get_resolution_y() const { return resolution_y; }
@@ -44,6 +49,9 @@ public:
     ///
     /// @throws std::runtime_error with libtiff's message
     std::vector<unsigned char> read_plane(std::uint64_t page_index, std::uint32_t sample);
+
+    /// The next `read_plane` opens the file again.
+    void close();
 
 private:
     struct Page
@@ -64,20 +72,23 @@ private:
     class Blocks;
 
     [[noreturn]] void fail(const std::string& text) const;
+    void open();
     void read_directory();
     bool next_directory();
     bool has_link() const;
     Page describe_page(); ///< lets libtiff give colours as RGB
     bool has_bytes_for(const Page& current) const;
     void read_texts();
+    void read_meaning();
     std::uint32_t number(std::uint32_t tag, std::uint32_t missing) const;
 
     std::string path;
-    std::string message; ///< libtiff's last one
+    TiffMessages messages;
     TiffHandle file;
     Page page;
     std::vector<std::uint64_t> offsets; ///< of the directories
     std::string description;
+    std::set<std::string> remarks;
     double resolution_x = 0;
     double resolution_y = 0;
 };

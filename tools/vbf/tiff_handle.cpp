@@ -17,11 +17,6 @@ namespace {
     return 1;
 }
 
-int drop_message(TIFF*, void*, const char*, const char*, va_list)
-{
-    return 1;
-}
-
 } // namespace
 
 void TiffCloser::operator()(tiff* file) const
@@ -29,13 +24,13 @@ void TiffCloser::operator()(tiff* file) const
     TIFFClose(file);
 }
 
-TiffHandle open_tiff(const std::string& path, const char* mode, std::string& message)
+TiffHandle open_tiff(const std::string& path, const char* mode, TiffMessages& messages)
 {
     TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
     if (options == nullptr)
         throw std::bad_alloc();
-    TIFFOpenOptionsSetErrorHandlerExtR(options, keep_message, &message);
-    TIFFOpenOptionsSetWarningHandlerExtR(options, drop_message, nullptr);
+    TIFFOpenOptionsSetErrorHandlerExtR(options, keep_message, &messages.error);
+    TIFFOpenOptionsSetWarningHandlerExtR(options, keep_message, &messages.warning);
     TIFFOpenOptionsSetMaxSingleMemAlloc(options, static_cast<tmsize_t>(max_tiff_bytes));
     TiffHandle file(TIFFOpenExt(path.c_str(), mode, options));
     TIFFOpenOptionsFree(options);

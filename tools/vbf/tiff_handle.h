@@ -17,5 +17,12 @@ struct TiffCloser
 
 typedef std::unique_ptr<tiff, TiffCloser> TiffHandle;
 
-/// Null where libtiff fails. From then on `message` is its last one; it has to outlive the handle and stay where it is.
-TiffHandle open_tiff(const std::string& path, const char* mode, std::string& message);
+/// What libtiff said last.
+struct TiffMessages
+{
+    std::string error;
+    std::string warning;
+};
+
+/// Null where libtiff fails. `messages` is kept up to date; it has to outlive the handle and stay where it is.
+TiffHandle open_tiff(const std::string& path, const char* mode, TiffMessages& messages);

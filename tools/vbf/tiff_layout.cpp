@@ -204,9 +204,7 @@ bool starts_with(const std::string& text, const char* beginning)
     return text.rfind(beginning, 0) == 0;
 }
 
-} // namespace
-
-TiffLayout find_layout(const TiffFile& file)
+TiffLayout layout_of_description(const TiffFile& file)
 {
     const std::string& description = file.get_description();
     if (starts_with(description, "ImageJ="))
@@ -225,4 +223,14 @@ TiffLayout find_layout(const TiffFile& file)
     {
         return with_remark(file);
     }
+}
+
+} // namespace
+
+TiffLayout find_layout(const TiffFile& file)
+{
+    TiffLayout layout = layout_of_description(file);
+    for (const std::string& remark : file.get_remarks())
+        add_remark(layout, remark);
+    return layout;
 }

@@ -139,4 +139,5 @@ void TiffStack::add_to(VBFFileInterface& target, Progress& progress)
             }
         }
     }
+    file.close();
 }

@@ -1,0 +1,8 @@
+/// The first bytes of a VBF file.
+#pragma once
+
+#include <VelaBinaryIO/VBFHeaders.h>
+
+#include <string_view>
+
+constexpr std::string_view file_magic("VELA_BF\n\xff\xff", sizeof VBFFileHeader::magic);
