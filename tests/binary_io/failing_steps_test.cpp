@@ -269,6 +269,18 @@ TEST_F(FailingWrites, APlaceThatTheSystemRefusesIsNotWrittenElsewhere)
     EXPECT_EQ(samples_of(*file->get_stack(0)), counted_bytes(3));
 }
 
+TEST_F(FailingWrites, SamplesAreNotWrittenElsewhereEither)
+{
+    const Stack stack = add({3});
+    DiskWrites disk;
+    disk.refuse_position(first_record_pos + stack_header_size);
+    EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "abc", nullptr, 3), -3, "Failed writing 3 bytes to file!");
+    EXPECT_EQ(disk.count_bytes(), stack_header_size);
+    disk.refuse_position(~std::uint64_t{0});
+    stack->write(vela_dt_uint8, "abc", nullptr, 3);
+    EXPECT_EQ(samples_of(*reopen()->get_stack(0)), (Bytes{'a', 'b', 'c'}));
+}
+
 TEST_F(FailingWrites, AHeaderOfTheFileStandsAtItsStartAllTheSame)
 {
     file->set_file_desc("description");
