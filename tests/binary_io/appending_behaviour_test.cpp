@@ -207,6 +207,17 @@ TEST_F(Appending, AFileThatIsNoVbfFileIsRefusedAndLeft)
     EXPECT_EQ(content(), before);
 }
 
+TEST_F(Appending, AnAttachedStreamThatIsNoVbfFileIsLeftByDetachToo)
+{
+    put_file(Bytes(300, 'x'));
+    const Descriptor descriptor(file_path, O_RDWR);
+    EXPECT_FILE_ERROR(file->attach(descriptor.handle(), VFile::append_mode), "attach_imp", -4,
+                      "No VBF file header found!");
+    EXPECT_VELA_ERROR(file->add_stack(false), -1, "File not open for writing!");
+    EXPECT_EQ(vela_descriptor_from_handle(file->detach()), descriptor.get());
+    EXPECT_EQ(content(), before);
+}
+
 TEST_F(Appending, ToVersionTwoWritesTheNewDictionaryPositionOverTheMagic)
 {
     write_new_file({"one", "two"});
