@@ -207,6 +207,17 @@ TEST_F(Appending, AFileThatIsNoVbfFileIsRefusedAndLeft)
     EXPECT_EQ(content(), before);
 }
 
+TEST_F(Appending, AnAttachedStreamThatIsNoVbfFileIsLeftByDetachToo)
+{
+    put_file(Bytes(300, 'x'));
+    const Descriptor descriptor(file_path, O_RDWR);
+    EXPECT_FILE_ERROR(file->attach(descriptor.handle(), VFile::append_mode), "attach_imp", -4,
+                      "No VBF file header found!");
+    EXPECT_VELA_ERROR(file->add_stack(false), -1, "File not open for writing!");
+    EXPECT_EQ(vela_descriptor_from_handle(file->detach()), descriptor.get());
+    EXPECT_EQ(content(), before);
+}
+
 TEST_F(Appending, ToVersionTwoWritesTheNewDictionaryPositionOverTheMagic)
 {
     write_new_file({"one", "two"});
@@ -289,6 +300,36 @@ TEST_F(Appending, ToAnAttachedFileOfVersionOneCountsFromTheStartOfTheStream)
     EXPECT_EQ(vela_descriptor_from_handle(file->detach()), descriptor.get());
     expect_linked_behind(old + 360);
     EXPECT_EQ(read_written(content(), 50).stack_names(), (Names{"old", "new"}));
+}
+
+TEST_F(Appending, ToAnAttachedFileOfVersionOneWithoutStacksFillsItsFirstPosition)
+{
+    VbfBytes built(50);
+    built.file_header(1);
+    put_file(built.bytes());
+    const Descriptor descriptor(file_path, O_RDWR);
+    ASSERT_EQ(::lseek(descriptor.get(), 50, SEEK_SET), 50);
+    file->attach(descriptor.handle(), VFile::append_mode);
+    add_whole("new");
+    EXPECT_EQ(vela_descriptor_from_handle(file->detach()), descriptor.get());
+    expect_linked_behind(50 + 14);
+    EXPECT_EQ(read_written(content(), 50).stack_names(), (Names{"new"}));
+}
+
+/// The object goes on to another file with nothing of the one before.
+TEST_F(Appending, ThePairsOfOneFileDoNotComeIntoTheNext)
+{
+    VbfBytes built;
+    built.file_header(2, "");
+    built.dictionary({{"a", "first"}});
+    put_file(built.bytes());
+    file.open(file_name(file_path), VFile::read_mode);
+    file->close();
+    file_path = path("next.vbf");
+    file->open(file_name(file_path), VFile::write_mode);
+    const WrittenPairs pairs = close_file().dictionary;
+    ASSERT_EQ(pairs.size(), 1u);
+    EXPECT_EQ(pairs[0].first, "ome_xml");
 }
 
 } // namespace

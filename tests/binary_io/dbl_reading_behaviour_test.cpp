@@ -92,6 +92,14 @@ TEST_F(DblReading, SinglesAreAStackOfSingles)
     EXPECT_EQ(read_whole(*stack, vela_dt_single), as_bytes(values));
 }
 
+TEST_F(DblReading, DetachReleasesTheStack)
+{
+    const StackPointer stack = open_dbl(dbl_bytes({}, Bytes(48, 0)));
+    const Descriptor descriptor(vela_descriptor_from_handle(file->detach()));
+    EXPECT_EQ(file->number_of_stacks(), 0u);
+    EXPECT_VELA_ERROR(read_whole(*stack, vela_dt_double), -1, closed_text);
+}
+
 TEST_F(DblReading, AnyOtherFlagMeansDoubles)
 {
     const std::vector<double> values{0.5, 1.5, 2.5, 3.5, 4.5, 5.5};

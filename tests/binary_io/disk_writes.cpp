@@ -67,7 +67,14 @@ extern "C" __attribute__((visibility("default"))) ssize_t write(int descriptor, 
 
 extern "C" __attribute__((visibility("default"))) off_t lseek(int descriptor, off_t offset, int whence) noexcept
 {
-    if (DiskWrites::current != nullptr)
-        DiskWrites::current->note_call();
+    if (DiskWrites* const watch = DiskWrites::current)
+    {
+        watch->note_call();
+        if (whence == SEEK_SET && watch->refuses(static_cast<std::uint64_t>(offset)))
+        {
+            errno = EINVAL;
+            return -1;
+        }
+    }
     return syscall(SYS_lseek, descriptor, offset, whence);
 }

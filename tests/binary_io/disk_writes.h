@@ -37,6 +37,9 @@ public:
     /// From now on `size_bytes` more bytes are written; then every write fails for want of space.
     void set_room(std::uint64_t size_bytes) { room = size_bytes; }
 
+    /// From now on a file cannot be moved to `position`; all ones: it can be moved anywhere.
+    void refuse_position(std::uint64_t position) { refused_position = position; }
+
     /// From now on `kept` gets the bytes of each write.
     void keep_bytes_in(std::vector<std::vector<unsigned char>>& kept) { kept_bytes = &kept; }
 
@@ -46,11 +49,13 @@ public:
     std::uint64_t take_room(std::uint64_t size_bytes);
     void note_write(std::uint64_t position, const unsigned char* bytes, std::uint64_t size_bytes);
     void note_call() { ++calls; }
+    bool refuses(std::uint64_t position) const { return position == refused_position; }
 
 private:
     std::vector<DiskWrite> writes;
     std::size_t calls = 0;
     std::uint64_t room = ~std::uint64_t{0};
+    std::uint64_t refused_position = ~std::uint64_t{0};
     std::vector<std::vector<unsigned char>>* kept_bytes = nullptr;
 };
 

@@ -241,6 +241,46 @@ TEST_F(FailingWrites, ALinkThatFailsNamesItsBytes)
     EXPECT_EQ(samples_of(*opened->get_stack(1)), (Bytes{'a', 'b', 'c'}));
 }
 
+/// What cannot be written where it belongs is written nowhere.
+TEST_F(FailingWrites, APlaceThatTheSystemRefusesIsNotWrittenElsewhere)
+{
+    add_complete({3});
+    const std::uint64_t begin = on_disk().size();
+    const std::uint64_t footer_pos = begin + stack_header_size;
+    const std::uint64_t link_pos = first_record_pos + stack_next_at;
+    const Stack stack = file->add_stack(true);
+    stack->create(Sizes{3}, vela_dt_uint8);
+    DiskWrites disk;
+    disk.refuse_position(footer_pos);
+    EXPECT_VELA_ERROR(stack->commit(0), -3, "Failed writing 1444 bytes to file!");
+    EXPECT_EQ(disk.count_bytes(), stack_header_size);
+    for (const std::uint64_t position : {footer_pos + footer_stack_end_pos_at, begin + stack_data_length_at, link_pos})
+    {
+        SCOPED_TRACE(position);
+        disk.refuse_position(position);
+        EXPECT_VELA_ERROR(stack->commit(0), -3, "Failed writing 8 bytes to file!");
+        EXPECT_EQ(stack->get_state(), 2);
+        EXPECT_EQ(linked(), 1u);
+    }
+    disk.refuse_position(~std::uint64_t{0});
+    stack->commit(0);
+    EXPECT_EQ(linked(), 2u);
+    EXPECT_EQ(reopen()->number_of_stacks(), 2u);
+    EXPECT_EQ(samples_of(*file->get_stack(0)), counted_bytes(3));
+}
+
+TEST_F(FailingWrites, SamplesAreNotWrittenElsewhereEither)
+{
+    const Stack stack = add({3});
+    DiskWrites disk;
+    disk.refuse_position(first_record_pos + stack_header_size);
+    EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "abc", nullptr, 3), -3, "Failed writing 3 bytes to file!");
+    EXPECT_EQ(disk.count_bytes(), stack_header_size);
+    disk.refuse_position(~std::uint64_t{0});
+    stack->write(vela_dt_uint8, "abc", nullptr, 3);
+    EXPECT_EQ(samples_of(*reopen()->get_stack(0)), (Bytes{'a', 'b', 'c'}));
+}
+
 TEST_F(FailingWrites, AHeaderOfTheFileStandsAtItsStartAllTheSame)
 {
     file->set_file_desc("description");

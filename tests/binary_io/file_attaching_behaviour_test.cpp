@@ -169,6 +169,17 @@ TEST_F(VbfAttaching, AFailureInTheFileHeaderPutsTheStreamBackToItsStart)
     expect_failure(dictionary_position, -3, "Failed reading 8 bytes from file!", start);
 }
 
+TEST_F(VbfAttaching, BehindAFailureDetachDoesNotGoToTheEndOfAFileBefore)
+{
+    AttachedFile attached(put(VbfBytes(300)), start);
+    put_bytes(path("before.vbf"), two_stacks().bytes());
+    attached.file->open(file_name(path("before.vbf")), VFile::read_mode);
+    attached.file->close();
+    EXPECT_VELA_ERROR(attached.attach(), -4, no_header);
+    attached.file->detach();
+    EXPECT_EQ(attached.position(), start);
+}
+
 TEST_F(VbfAttaching, AFailureInTheDictionaryPutsTheStreamBackToItsStart)
 {
     VbfRecords no_end = two_stacks(start);

@@ -1,12 +1,15 @@
 // Stacks that a writer has finished and let go of: whatever the file keeps of them, they look the same.
+#include <Json/write.h>
 #include <VelaStacks/VStackPosition.h>
 
 #include "binary_io/written_vbf.h"
 #include "support/expect_vela_error.h"
+#include "support/sample_bytes.h"
 
 #include <boost/weak_ptr.hpp>
 #include <si/value.h>
 
+#include <algorithm>
 #include <sstream>
 
 using namespace vela_test;
@@ -91,6 +94,13 @@ std::string description_of(VBFStackInterface& stack)
     return out.str();
 }
 
+std::string ome_record_of(VBFStackInterface& stack)
+{
+    std::ostringstream out;
+    out << stack.meta_data().structure.get();
+    return out.str();
+}
+
 } // namespace
 
 TEST_F(FinishedStacks, CopiesAreTheSameAsBefore)
@@ -98,9 +108,11 @@ TEST_F(FinishedStacks, CopiesAreTheSameAsBefore)
     Stack stack = add_described();
     write_all(*stack);
     const std::string expected = description_of(*file->get_stack(0));
-    const Bytes samples = samples_of(*stack);
+    const Bytes samples = samples_of(*file->get_stack(0)); // the place where `stack` stops would hold it
+    const boost::weak_ptr<VBFStackInterface> weak = stack;
     stack.reset();
     add_more();
+    EXPECT_TRUE(weak.expired());
     EXPECT_EQ(description_of(*file->get_stack(0)), expected);
     EXPECT_EQ(samples_of(*file->get_stack(0)), samples);
     EXPECT_VELA_ERROR(file->get_stack(0)->set_name("b"), -1, "Cannot set values. Object locked!");
@@ -146,6 +158,96 @@ TEST_F(FinishedStacks, KeepWhatSomebodyPutIntoTheirOmeRecord)
     add_more();
     const std::string id = file->get_stack(0)->meta_data().id;
     EXPECT_EQ(id, "Image:7");
+}
+
+TEST_F(FinishedStacks, KeepTheirAcquisitionDate)
+{
+    Stack stack = add({2});
+    stack->set_acquisition_date();
+    stack->write(vela_dt_uint8, "ab", nullptr, 2);
+    const std::string expected = ome_record_of(*file->get_stack(0));
+    EXPECT_NE(expected.find("AcquisitionDate"), std::string::npos);
+    stack.reset();
+    add_more();
+    EXPECT_EQ(ome_record_of(*file->get_stack(0)), expected);
+}
+
+TEST_F(FinishedStacks, KeepWhatTheOmeRecordHasOfFurtherAxes)
+{
+    Stack with_lengths = add({2});
+    with_lengths->set_len({1, 2, 3});
+    with_lengths->write(vela_dt_uint8, "ab", nullptr, 2);
+    Stack with_offsets = add({2});
+    with_offsets->set_off({1, 2, 3});
+    with_offsets->write(vela_dt_uint8, "ab", nullptr, 2);
+    const std::string lengths = ome_record_of(*file->get_stack(0));
+    const std::string offsets = ome_record_of(*file->get_stack(1));
+    EXPECT_NE(lengths.find("PhysicalSizeZ"), std::string::npos);
+    with_lengths.reset();
+    with_offsets.reset();
+    add_more();
+    EXPECT_EQ(ome_record_of(*file->get_stack(0)), lengths);
+    EXPECT_EQ(ome_record_of(*file->get_stack(1)), offsets);
+}
+
+/// Those that a getter filled in stay when the length of the axis changes.
+TEST_F(FinishedStacks, KeepPositionsOfColumnsThatWereAskedFor)
+{
+    Stack stack = add({3});
+    stack->get_col_positions(0);
+    stack->set_len(0, 30);
+    stack->write(vela_dt_uint8, "abc", nullptr, 3);
+    const std::vector<double> expected = file->get_stack(0)->get_col_positions(0);
+    stack.reset();
+    add_more();
+    EXPECT_TRUE(file->get_stack(0)->is_equidistant(0));
+    EXPECT_EQ(file->get_stack(0)->get_col_positions(0), expected);
+}
+
+/// What is equal in neighbours is kept once; here one thing differs between one stack and the next.
+TEST_F(FinishedStacks, KeepTheirPlaceBesideOthersThatLieElsewhere)
+{
+    std::vector<std::string> expected;
+    const auto add_with = [&](auto change)
+    {
+        const Stack stack = add({2, 2});
+        VStackPosition position = stack->get_stack_position();
+        change(position);
+        stack->set_stack_position(position);
+        stack->write(vela_dt_uint8, "abcd", nullptr, 4);
+        expected.push_back(description_of(*file->get_stack(expected.size())));
+    };
+    const auto same = [](VStackPosition&) {};
+    add_with(same);
+    add_with([](VStackPosition& position) { position.labels[1] = VPropstring(L"other"); });
+    add_with(same);
+    add_with([](VStackPosition& position) { position.origin[1] = 5; });
+    add_with(same);
+    add_with([](VStackPosition& position) { position.matrix[1] = 0.5; });
+    add_with(same);
+    add_more();
+    for (std::size_t index = 0; index < expected.size(); ++index)
+        EXPECT_EQ(description_of(*file->get_stack(index)), expected[index]) << index;
+}
+
+/// The front of the samples is destroyed on disk: only a reader that starts at a flush point gets those behind.
+TEST_F(FinishedStacks, KeepTheirFlushPoints)
+{
+    const Bytes samples = sparse_bytes(200000);
+    Stack stack = add({1000, 200});
+    stack->set_compression(1, 6);
+    stack->set_flush_block_size(100000);
+    stack->write(vela_dt_uint8, samples.data(), nullptr, VBFStackInterface::all_samples);
+    stack.reset();
+    add_more();
+    Bytes damaged = get_bytes(path("written.vbf"));
+    std::fill_n(damaged.begin() + first_record_pos + stack_header_size, 100, static_cast<unsigned char>(0xff));
+    put_bytes(path("written.vbf"), damaged);
+    Bytes read(100, 0xcd);
+    std::uint64_t pos = 150000;
+    EXPECT_EQ(file->get_stack(0)->read(vela_dt_uint8, read.data(), nullptr, 100, pos), 100u);
+    EXPECT_TRUE(read == slice(samples, 150000, 150100));
+    EXPECT_THROW(samples_of(*file->get_stack(0)), VelaError);
 }
 
 TEST_F(FinishedStacks, KeepPositionsOfColumns)

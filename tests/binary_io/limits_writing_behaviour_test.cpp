@@ -66,6 +66,18 @@ TEST_F(LimitsWriting, AVariableStackRefusesTheFirstWriteThatWouldPassTheHeader)
     ::munmap(page, 4096);
 }
 
+/// The caller cancels at the first chunk, so that nobody has to have all the samples.
+TEST_F(LimitsWriting, AVariableStackMayGrowToTheLargestSizeThatTheHeaderHolds)
+{
+    begin_file();
+    file->set_chunk_size(1);
+    file->set_progress_callback([](std::uint64_t, void*) { return 0; }, nullptr);
+    const Stack stack = add({0});
+    EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "a", nullptr, too_large - 1), -11, "Cancelled by user!");
+    EXPECT_VELA_ERROR(stack->write(vela_dt_uint8, "a", nullptr, too_large), -1,
+                      "Size of axis 0 does not fit the file format!");
+}
+
 TEST_F(LimitsWriting, MoreElementsThanCanBeCountedAreRefusedByTheDescription)
 {
     begin_file();

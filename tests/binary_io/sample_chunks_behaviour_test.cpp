@@ -273,6 +273,26 @@ TEST_F(VbfSampleChunks, CancelledLaterTheChunksBeforeAreThere)
     EXPECT_EQ(read_whole(*stack, vela_dt_uint8), data);
 }
 
+TEST_F(VbfSampleChunks, ACancelledReadIsContinuedFromWhereItBegan)
+{
+    const Bytes data = samples_of(vela_dt_uint8).header.data;
+    const StackPointer stack = only_stack(samples_of(vela_dt_uint8));
+    file->set_chunk_size(2);
+    Bytes bytes(8, stale);
+    std::uint64_t pos = 0;
+    EXPECT_EQ(stack->read(vela_dt_uint8, bytes.data(), nullptr, 3, pos), 3u);
+    Progress progress;
+    progress.allowed = 1;
+    watch(progress);
+    pos = VBFStackInterface::continued;
+    EXPECT_VELA_ERROR(stack->read(vela_dt_uint8, bytes.data(), nullptr, 5, pos), -11, "Cancelled by user!");
+    EXPECT_EQ(pos, VBFStackInterface::continued);
+    progress.allowed = SIZE_MAX;
+    EXPECT_EQ(stack->read(vela_dt_uint8, bytes.data(), nullptr, 5, pos), 5u);
+    EXPECT_EQ(slice(bytes, 0, 5), slice(data, 3, 8));
+    EXPECT_EQ(pos, 8u);
+}
+
 TEST_F(VbfSampleChunks, WithoutACallbackNobodyIsAsked)
 {
     const StackPointer stack = only_stack(samples_of(vela_dt_uint8));

@@ -195,6 +195,32 @@ TEST_F(VbfStackPosition, OneThatDoesNotFitTheStackIsInvalid)
     expect_invalid_somehow(position_xml({"x", "y", "z"}, "0 0 0", "2 2", "1 0 0 1"), reason);
 }
 
+/// That a text was right for the stack before says nothing where the rank or the version is another.
+TEST_F(VbfStackPosition, TheSameTextAsInTheStackBeforeIsTriedAgain)
+{
+    RecordFields row = bytes_record({1, 2});
+    row.metadata = good;
+    VbfRecords other_rank(1);
+    other_rank.add_stack_record(record_with(good));
+    other_rank.add_stack_record(row);
+    VbfRecords other_version(1);
+    other_version.add_stack_record(record_with(empty_tree, 2));
+    other_version.add_stack_record(record_with(empty_tree, 5));
+    for (const VbfRecords& built : {other_rank, other_version})
+    {
+        try
+        {
+            open(built);
+            ADD_FAILURE() << "nothing was thrown";
+        }
+        catch (const VelaError& error)
+        {
+            EXPECT_EQ(error.get_id(), -1);
+            EXPECT_EQ(error.get_msg().rfind("Invalid metadata found!\n", 0), 0u) << error.get_msg();
+        }
+    }
+}
+
 TEST_F(VbfStackPosition, MetadataThatTheFileHasNotAreAFailedReadAndNotInvalid)
 {
     VbfRecords built(1);

@@ -116,6 +116,27 @@ TEST_F(StackStatesWriting, AFailedCreateLeavesTheStackUndescribed)
     EXPECT_EQ(close_file_with_one_stack().data, samples);
 }
 
+/// A description that fails when it has given its sizes and its type.
+TEST_F(StackStatesWriting, ACreateThatFailsHalfwayLeavesTheStackUndescribed)
+{
+    class Failing : public VStackInfoImp
+    {
+    public:
+        const std::string& get_name() const override { throw std::runtime_error("no name"); }
+    };
+    Failing info;
+    info.create(Sizes{4, 3}, vela_dt_uint8);
+    begin_file();
+    const Stack stack = file->add_stack(false);
+    EXPECT_THROW_TEXT(stack->create(&info, 0), std::runtime_error, "no name");
+    EXPECT_EQ(stack->get_state(), -1);
+    EXPECT_EQ(stack->get_sizes(), (Sizes{4, 3}));
+    EXPECT_VELA_ERROR(file->close(), -1, not_described);
+    stack->create(Sizes{4, 3}, vela_dt_uint8);
+    write(stack, 0, 12);
+    EXPECT_EQ(close_file_with_one_stack().data, samples);
+}
+
 TEST_F(StackStatesWriting, ACompleteStackIsNotWritten)
 {
     begin_file();

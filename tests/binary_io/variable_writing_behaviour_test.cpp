@@ -208,6 +208,26 @@ TEST_F(VariableWriting, DeclaredEmptyItTakesSamplesAllTheSame)
     EXPECT_EQ(written.data, slice(samples, 0, 6));
 }
 
+/// The stack that was written is empty or not as a reader of the file finds it, whatever `add_stack` was told.
+TEST_F(VariableWriting, ReadByItsWriterItHasWhatWasWritten)
+{
+    begin_file();
+    const Stack declared_empty = add({3, 0}, vela_dt_uint8, true);
+    write(declared_empty, 0, 6);
+    declared_empty->commit(0);
+    Bytes bytes(6, 0xcd);
+    std::uint64_t pos = 0;
+    EXPECT_EQ(declared_empty->read(vela_dt_uint8, bytes.data(), nullptr, all_samples, pos), 6u);
+    EXPECT_EQ(bytes, slice(samples, 0, 6));
+    EXPECT_EQ(pos, VBFStackInterface::exhausted);
+
+    const Stack without_samples = add({3, 0});
+    without_samples->commit(0);
+    pos = 0;
+    EXPECT_EQ(without_samples->read(vela_dt_uint8, nullptr, nullptr, all_samples, pos), 0u);
+    EXPECT_EQ(pos, 0u);
+}
+
 TEST_F(VariableWriting, ConvertsLikeAnyOther)
 {
     begin_file();

@@ -59,6 +59,18 @@ protected:
     VZippedSegment segment;
 };
 
+TEST_F(Recovery, ASegmentThatStartsAnewHasNothingToRecover)
+{
+    put_stream(0, 100000);
+    Bytes got(200000, 0xA5);
+    EXPECT_THROW(segment.read(got.data(), got.size()), VelaError);
+    segment.init_r(file, 0, 0, 100000, 100000);
+    Bytes stored(100, 0xA5);
+    segment.read(stored.data(), stored.size());
+    EXPECT_TRUE(std::equal(stored.begin(), stored.end(), stream.bytes.begin()));
+    EXPECT_EQ(segment.tell(), 100u);
+}
+
 TEST_F(Recovery, AReadAfterAFailedOneGivesTheDataOfItsPosition)
 {
     put_stream(0, 100000);
