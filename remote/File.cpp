@@ -5,6 +5,8 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <utility>
+
 namespace Remote {
 VELA_ABI_NAMESPACE_BEGIN
 
@@ -48,11 +50,10 @@ boost::shared_ptr<Stack> File::read(std::uint64_t index, int flags) const
     return boost::shared_ptr<Stack>(new StackObject(file.shared()->read_stack(index, flags)));
 }
 
-// By value: a binding hands over a reference of its own, which holds until the samples are written.
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void File::write(boost::shared_ptr<Stack> stack, int flags)
 {
-    VStackImp attached(*stack);
+    const boost::shared_ptr<Stack> held = std::move(stack); // a binding's own reference, until the samples are written
+    VStackImp attached(*held);
     file->write_stack(&attached, flags);
 }
 

@@ -1,6 +1,7 @@
 // The OME document of a file, character by character.
 #include "binary_io/vbf_writing.h"
 
+#include "support/comma_locale.h"
 #include "support/expect_bad_cast.h"
 
 #include <gtest/gtest.h>
@@ -189,6 +190,14 @@ TEST_F(FileDocumentWriting, ElementsAndAttributesStandInTheOrderOfTheirBytes)
                       "<ome:Instrument><ome:LightSource ID=\"Light:1\" LotNumber=\"l\" Manufacturer=\"f\""
                       " Model=\"m\" Power=\"2.5\" PowerUnit=\"mW\" SerialNumber=\"s\">"
                       "<ome:Arc/><ome:Laser/></ome:LightSource></ome:Instrument>"));
+}
+
+TEST_F(FileDocumentWriting, NumbersDoNotGoByTheGlobalLocale)
+{
+    const auto light = file->ome().instruments.add()->light_sources.add();
+    light->power = 12345.5;
+    const vela_test::CommaLocale locale;
+    EXPECT_NE(document().find(" Power=\"12345.5\""), std::string::npos);
 }
 
 TEST_F(FileDocumentWriting, AListAsAnAttributeFailsTheCloseAndNothingGoesToTheDictionary)
