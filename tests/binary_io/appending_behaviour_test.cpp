@@ -42,6 +42,16 @@ protected:
         before = content();
     }
 
+    /// Adds the stack "new" to the file that begins at `start` of a stream.
+    void append_new_from(off_t start)
+    {
+        const Descriptor descriptor(file_path, O_RDWR);
+        ASSERT_EQ(::lseek(descriptor.get(), start, SEEK_SET), start);
+        file->attach(descriptor.handle(), VFile::append_mode);
+        add_whole("new");
+        EXPECT_EQ(vela_descriptor_from_handle(file->detach()), descriptor.get());
+    }
+
     /// All old bytes are as they were, but for 8 at `link_pos`, which lead to the end of the old file.
     void expect_linked_behind(std::uint64_t link_pos)
     {
@@ -293,11 +303,7 @@ TEST_F(Appending, ToAnAttachedFileOfVersionOneCountsFromTheStartOfTheStream)
     built.file_header(1);
     const std::uint64_t old = built.stack({.name = "old", .format_version = 0});
     put_file(built.bytes());
-    const Descriptor descriptor(file_path, O_RDWR);
-    ASSERT_EQ(::lseek(descriptor.get(), 50, SEEK_SET), 50);
-    file->attach(descriptor.handle(), VFile::append_mode);
-    add_whole("new");
-    EXPECT_EQ(vela_descriptor_from_handle(file->detach()), descriptor.get());
+    append_new_from(50);
     expect_linked_behind(old + 360);
     EXPECT_EQ(read_written(content(), 50).stack_names(), (Names{"old", "new"}));
 }
@@ -307,11 +313,7 @@ TEST_F(Appending, ToAnAttachedFileOfVersionOneWithoutStacksFillsItsFirstPosition
     VbfBytes built(50);
     built.file_header(1);
     put_file(built.bytes());
-    const Descriptor descriptor(file_path, O_RDWR);
-    ASSERT_EQ(::lseek(descriptor.get(), 50, SEEK_SET), 50);
-    file->attach(descriptor.handle(), VFile::append_mode);
-    add_whole("new");
-    EXPECT_EQ(vela_descriptor_from_handle(file->detach()), descriptor.get());
+    append_new_from(50);
     expect_linked_behind(50 + 14);
     EXPECT_EQ(read_written(content(), 50).stack_names(), (Names{"new"}));
 }

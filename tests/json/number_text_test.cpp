@@ -1,5 +1,7 @@
 #include "json/number_text.h"
 
+#include "support/comma_locale.h"
+
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -140,27 +142,9 @@ TEST(NumberText, AFailedReadLeavesTheNearestNumber)
     EXPECT_FALSE(two_points.at_end);
 }
 
-/// Writes numbers as "1.000,5".
-class CommaPunctuation : public std::numpunct<char>
-{
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
-class GlobalLocale
-{
-public:
-    explicit GlobalLocale(const std::locale& locale) : before(std::locale::global(locale)) {}
-    ~GlobalLocale() { std::locale::global(before); }
-
-private:
-    std::locale before;
-};
-
 TEST(NumberText, TheGlobalLocaleHasNoSay)
 {
-    const GlobalLocale locale(std::locale(std::locale::classic(), new CommaPunctuation));
+    const vela_test::CommaLocale locale;
     for (const char* text : {"1.5", "1,5", "1.000", "1.5e", "-1.000.000", "99999999999999999999", "1e999"})
         EXPECT_EQ(difference(text), "");
     EXPECT_EQ(read_decimal("1.5").value, 1.5);

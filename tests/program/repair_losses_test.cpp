@@ -1,9 +1,5 @@
 // What vbf repair does where something is lost.
-#include "build_vbf.h"
-#include "run_vbf.h"
-
-#include <VelaBinaryIO/VBFHeaders.h>
-#include <VelaFile/VFile.h>
+#include "file_dictionary.h"
 
 using namespace vela_test;
 
@@ -21,24 +17,9 @@ FileRecipe one_stack(bool closed)
     return file;
 }
 
-void put_counted(ByteWriter& writer, const std::string& text)
-{
-    writer.put(static_cast<std::uint32_t>(text.size()));
-    writer.put_text(text);
-}
-
 class RepairLossesTest : public ProgramTest
 {
 protected:
-    static VBFDictionary dictionary_of(const std::string& file_path)
-    {
-        VFile file(file_name(file_path), VFile::read_mode);
-        file.seek(scan_chain(file).file.meta_data_pos);
-        VBFDictionary dictionary;
-        read_dictionary(file, dictionary);
-        return dictionary;
-    }
-
     /// Neither way writes anything.
     void expect_refused(const Bytes& bytes, const std::string& message) const
     {

@@ -1,8 +1,4 @@
-#include "build_vbf.h"
-#include "run_vbf.h"
-
-#include <VelaBinaryIO/VBFHeaders.h>
-#include <VelaFile/VFile.h>
+#include "file_dictionary.h"
 
 using namespace vela_test;
 
@@ -32,12 +28,6 @@ Bytes not_closed()
     return build_vbf(file);
 }
 
-void put_counted(ByteWriter& writer, const std::string& text)
-{
-    writer.put(static_cast<std::uint32_t>(text.size()));
-    writer.put_text(text);
-}
-
 /// What an append leaves: an old dictionary with one pair, a new one with another pair at the end, and its position in the
 /// first 8 bytes. Without the new dictionary the writer was killed in between.
 Bytes appended(bool with_new_dictionary)
@@ -63,15 +53,6 @@ class RepairTest : public ProgramTest
 {
 protected:
     std::string copy() const { return path("copy.vbf"); }
-
-    static VBFDictionary dictionary_of(const std::string& file_path)
-    {
-        VFile file(file_name(file_path), VFile::read_mode);
-        file.seek(scan_chain(file).file.meta_data_pos);
-        VBFDictionary dictionary;
-        read_dictionary(file, dictionary);
-        return dictionary;
-    }
 
     void expect_in_order(const std::string& file, const std::string& verdict) const
     {

@@ -9,7 +9,6 @@
 #include "tiff_stacks.h"
 #include "unfinished.h"
 
-#include <VelaBase/VelaError.h>
 #include <VelaBinaryIO/VBFFile.h>
 
 #include <cstdint>
@@ -22,21 +21,15 @@ namespace {
 /// Until this is done the file does not open.
 void mend_start(const std::string& path, const VBFDictionary& pairs)
 {
-    const auto fail = [&](const std::string& message)
-    { throw std::runtime_error("'" + path + "' needs vbf repair now, its start was not mended: " + message); };
     try
     {
         VFile file = open_bytes(path, VFile::append_mode);
         set_pairs_behind_append(file, pairs);
         mend_in_place(file, plan_repair(file));
     }
-    catch (const VelaError& error)
-    {
-        fail(message_of(error));
-    }
     catch (const std::exception& error)
     {
-        fail(error.what());
+        throw std::runtime_error("'" + path + "' needs vbf repair now, its start was not mended: " + message_of(error));
     }
 }
 
@@ -48,13 +41,9 @@ void mend_after_failure(const std::string& path, const VBFDictionary& pairs, std
         mend_start(path, pairs);
         remove_unfinished(path, old_size_bytes);
     }
-    catch (const VelaError& error)
-    {
-        report(message_of(error));
-    }
     catch (const std::exception& error)
     {
-        report(error.what());
+        report(message_of(error));
     }
 }
 

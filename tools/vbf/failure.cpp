@@ -6,11 +6,14 @@
 
 #include <cstdio>
 
-std::string message_of(const VelaError& error)
+std::string message_of(const std::exception& error)
 {
-    if (error.get_oserr_id() <= 0)
-        return error.get_msg();
-    return error.get_msg() + " (" + error.get_oserr() + ")";
+    const auto* const of_library = dynamic_cast<const VelaError*>(&error);
+    if (of_library == nullptr)
+        return error.what();
+    if (of_library->get_oserr_id() <= 0)
+        return of_library->get_msg();
+    return of_library->get_msg() + " (" + of_library->get_oserr() + ")";
 }
 
 void report(const std::string& message)

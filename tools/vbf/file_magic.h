@@ -5,4 +5,4 @@
 
 #include <string_view>
 
-constexpr std::string_view file_magic("VELA_BF\n\xff\xff", sizeof VBFFileHeader::magic);
+inline constexpr std::string_view file_magic("VELA_BF\n\xff\xff", sizeof VBFFileHeader::magic);

@@ -6,7 +6,6 @@
 #include "commands.h"
 #include "failure.h"
 
-#include <VelaBase/VelaError.h>
 #include <VelaBase/version.h>
 
 #include <CLI/CLI.hpp>
@@ -85,17 +84,13 @@ int main(int argc, char** argv)
         report(failure.what());
         return wrong_usage;
     }
-    catch (const VelaError& error)
-    {
-        report(message_of(error));
-    }
     catch (const std::bad_alloc&)
     {
         report("There is not enough memory.");
     }
     catch (const std::exception& error)
     {
-        report(error.what());
+        report(message_of(error));
     }
     return failed;
 }
